@@ -1,0 +1,43 @@
+#pragma once
+// The alert object a chamber program holds: it hands alerts in (SendAlert), links and configures the server
+// (ServerCmd), and raises the four events back to its owner. All state is process-wide; the object keeps none.
+
+#include <QObject>
+#include <QVariant>
+
+namespace osprel {
+
+class clsAlertCls : public QObject
+{
+    Q_OBJECT
+public:
+    clsAlertCls();
+    ~clsAlertCls() override;
+
+    // The object lives while the client or the window holds it, as a COM reference does.
+    void AddRef() { ++m_refs; }
+    void Release();
+
+    bool SendAlert(const QString &strAlertString);
+    bool ServerCmd(const QString &strFormName, qint16 intCmd, const QVariant &CustomStr);
+
+    // Internal raise methods: reachable from inside the server only.
+    void SendAlertStatus(qint32 lngAlertID, qint16 intEmailFax, bool blnStatus);
+    void SendServerStatus(bool blnBusy, qint16 intEmailStatus, qint16 intFaxStatus);
+    void SendServerClosing();
+
+Q_SIGNALS:
+    void AlertStatus(qint32 lngAlertID, qint16 intEmailFax, bool blnStatus);
+    void ServerStatus(bool blnBusy, qint16 intEmailStatus, qint16 intFaxStatus);
+    void ServerClosing();
+    void AlertReady(const QString &strAlertString);
+
+private:
+    int m_refs = 0;
+};
+
+// CustomStr used as a string: text as it is, numbers and Booleans as their text; anything else (an array, a
+// structure) raises Type mismatch.
+QString customString(const QVariant &value);
+
+} // namespace osprel

@@ -1,0 +1,191 @@
+#include "EmailFaxServer.h"
+
+#include "Clock.h"
+#include "ErrorReport.h"
+#include "FormPort.h"
+#include "Globals.h"
+#include "Log.h"
+#include "Values.h"
+
+namespace osprel {
+
+namespace {
+const QString kCaption = QStringLiteral("Chamber Osprel");
+constexpr int kImageNormal = 1;
+constexpr int kTrayLeftButtonUp = 514;
+constexpr int kTrayLeftButtonDoubleClick = 515;
+} // namespace
+
+QString versionText()
+{
+    return QString::number(OSPREL_VERSION_MAJOR) + u'.' + QString::number(OSPREL_VERSION_MINOR) + u'.' +
+           QString::number(OSPREL_VERSION_PATCH);
+}
+
+EmailFaxServer::EmailFaxServer(Log &log, QObject *parent)
+    : QObject(parent), m_log(log), m_link(m_lists, m_timers)
+{
+    connect(&m_timers.TimerInit, &QTimer::timeout, this, &EmailFaxServer::TimerInit_Timer);
+    connect(&m_link, &AlertLink::unloadRequested, this, [this] { unload(ByCode); });
+    m_timers.TimerInit.start(); // enabled at design: it runs from the moment the window exists
+}
+
+EmailFaxServer::~EmailFaxServer()
+{
+    if (g.gfrmServerForm == this)
+        g.gfrmServerForm = nullptr;
+}
+
+FormPort &EmailFaxServer::port()
+{
+    if (!m_port)
+        raise(Err::ObjectNotSet);
+    return *m_port;
+}
+
+void EmailFaxServer::setCategoryCaption(int index, const QString &caption)
+{
+    port().setCategoryCaption(index, caption);
+}
+
+void EmailFaxServer::Form_Load()
+{
+    m_loading = true;
+    g.gintStatusWord = 0;
+    guarded(QStringLiteral("Form_Load"), [&] {
+        m_lists.InitColHeaders();
+        // The database, priority and settings steps join here as their subsystems arrive.
+        VersionControl();
+        port().appendAppVersion(QStringLiteral(" ") + versionText());
+        g.gintEmailSendState = 0;
+        g.gintFaxSendState = 0;
+        port().setWindowImage(kImageNormal);
+        g.gintFlashMode = 0;
+        port().frameSetup();
+        port().TabSet(QStringLiteral("Form_Load"));
+        m_log.clearFunctErr();
+        port().showStartPage();
+        // The start-up record goes straight to the file, which it creates, before the window shows.
+        m_log.writeStartRecord(QStringLiteral("\r\nStarting Alarm System: ") + generalDateTime(Clock::now()) +
+                               QStringLiteral("\r\n"));
+        port().showWindow();
+        port().trayAdd(QStringLiteral("Your ToolTip"));
+        port().SysTrayUpdate();
+        g.gfrmServerForm = this;
+    });
+    m_loading = false;
+}
+
+void EmailFaxServer::VersionControl()
+{
+    guarded(QStringLiteral("VersionControl"), [&] {
+        port().setPlacement(5625, 8100);
+        port().setTestFields(QString(), QStringLiteral("Osprel Test Email"), QStringLiteral("This is an Osprel test email."),
+                             QString(), QString(), QStringLiteral("This is an Osprel test fax."));
+        port().setServiceControlsVisible(false);
+    });
+}
+
+void EmailFaxServer::TimerInit_Timer()
+{
+    m_timers.TimerMsgQue.start();
+    m_timers.TimerDBAlarms.start();
+    m_timers.TimerInit.stop();
+}
+
+bool EmailFaxServer::Form_QueryUnload(int UnloadMode)
+{
+    bool cancel = false;
+    guarded(QStringLiteral("Form_QueryUnload"), [&] {
+        switch (UnloadMode) {
+        case ByCode:
+            g.gblnServerLinked = false;
+            break;
+        case SystemShutdown:
+            if (g.gblnServerLinked)
+                m_link.SendServerClosing();
+            g.gblnServerLinked = false;
+            break;
+        case CloseBox:
+            // Closing by hand only hides the window: the server keeps running in the notification area.
+            cancel = true;
+            g.gblnServerLinked = true;
+            port().hideWindow();
+            g.gintFlashMode = 0;
+            port().setCaption(kCaption);
+            port().setWindowImage(kImageNormal);
+            port().SysTrayUpdate();
+            break;
+        default:
+            cancel = true;
+            g.gblnServerLinked = true;
+            break;
+        }
+    });
+    return cancel;
+}
+
+bool EmailFaxServer::Form_Unload()
+{
+    bool cancel = false;
+    guarded(QStringLiteral("Form_Unload"), [&] {
+        if (g.gblnServerLinked) {
+            cancel = true;
+            return;
+        }
+        m_link.StopQueueTimers();
+        // The database, the SMTP socket and the fax device are closed here as their subsystems arrive.
+        port().trayRemove();
+        m_timers.tmrServer.setInterval(0);
+        m_timers.tmrServer.stop();
+    });
+    if (!cancel) {
+        g.gfrmServerForm = nullptr;
+        m_link.dropServer();
+    }
+    return cancel;
+}
+
+void EmailFaxServer::Form_Resize()
+{
+    guarded(QStringLiteral("Form_Resize"), [&] {
+        g.gintFlashMode = 0;
+        port().setCaption(kCaption);
+        port().setWindowImage(kImageNormal);
+        port().SysTrayUpdate();
+    });
+}
+
+void EmailFaxServer::mPopRestore_Click()
+{
+    guarded(QStringLiteral("mPopRestore_Click"), [&] { port().restoreWindow(); });
+}
+
+void EmailFaxServer::Form_MouseMove(int x, int y)
+{
+    guarded(QStringLiteral("Form_MouseMove"), [&] {
+        if (y != 0)
+            return;
+        if (x != kTrayLeftButtonUp && x != kTrayLeftButtonDoubleClick)
+            return;
+        g.gintIconState = 0;
+        port().setCaption(kCaption);
+        port().setWindowImage(kImageNormal);
+        port().SysTrayUpdate();
+        port().restoreWindow();
+    });
+}
+
+void EmailFaxServer::unload(int mode)
+{
+    if (m_unloaded)
+        return;
+    if (Form_QueryUnload(mode))
+        return;
+    if (Form_Unload())
+        return;
+    m_unloaded = true;
+    Q_EMIT finished();
+}
+
+} // namespace osprel

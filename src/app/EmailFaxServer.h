@@ -1,0 +1,71 @@
+#pragma once
+// The main window's logic without its widgets: what it owns for the whole run (lists, timers, the link with the
+// chamber program) and its load, close and unload procedures.
+
+#include "AlertLink.h"
+#include "FormLists.h"
+#include "FormTimers.h"
+#include "ServerForm.h"
+
+#include <QObject>
+
+namespace osprel {
+
+class FormPort;
+class Log;
+
+class EmailFaxServer : public QObject, public ServerForm
+{
+    Q_OBJECT
+public:
+    // Why the window is asked to close.
+    enum UnloadMode { CloseBox = 0, ByCode = 1, SystemShutdown = 3 };
+
+    EmailFaxServer(Log &log, QObject *parent = nullptr);
+    ~EmailFaxServer() override;
+
+    void setPort(FormPort *port) { m_port = port; }
+    FormTimers &timers() { return m_timers; }
+    AlertLink &link() { return m_link; }
+    Log &log() { return m_log; }
+    bool isLoading() const { return m_loading; }
+
+    // ServerForm
+    FormLists &lists() override { return m_lists; }
+    bool Open_Link(clsAlertCls *obj) override { return m_link.Open_Link(obj); }
+    void setCategoryCaption(int index, const QString &caption) override;
+
+    void Form_Load();
+    // Returns true when the close is cancelled.
+    bool Form_QueryUnload(int UnloadMode);
+    bool Form_Unload();
+    void Form_Resize();
+    void TimerInit_Timer();
+    void VersionControl();
+    void mPopRestore_Click();
+    void mPopExit_Click() {}
+    // The tray's mouse message: x carries the message number, y must be 0.
+    void Form_MouseMove(int x, int y);
+
+    // Closes the window for the given reason; when the close goes through, the program ends (finished()).
+    void unload(int mode);
+
+Q_SIGNALS:
+    void finished();
+
+private:
+    FormPort &port();
+
+    Log &m_log;
+    FormPort *m_port = nullptr;
+    FormLists m_lists;
+    FormTimers m_timers;
+    AlertLink m_link;
+    bool m_loading = false;
+    bool m_unloaded = false;
+};
+
+// The version as major.minor.revision.
+QString versionText();
+
+} // namespace osprel

@@ -1,0 +1,31 @@
+#pragma once
+// The start-up decisions made before the window exists: options, the data folder, the single-instance lock and
+// the start mode, with the texts of the two refusals.
+
+#include <QLockFile>
+#include <QString>
+#include <QStringList>
+#include <memory>
+
+namespace osprel {
+
+struct StartOptions
+{
+    bool automation = false; // started by the message bus to serve an alert object
+    QString home;            // --home DIR
+};
+
+StartOptions parseStartOptions(const QStringList &arguments);
+
+// --home DIR, else $OSPREL_HOME, else $XDG_DATA_HOME/osprel (~/.local/share/osprel); created when missing.
+QString resolveDataFolder(const StartOptions &options);
+
+// Takes the single-instance lock of a data folder; null when another instance holds it.
+std::unique_ptr<QLockFile> takeInstanceLock(const QString &folder);
+
+QString applicationTitle();
+QString criticalTitle();
+QString oneInstanceText();
+QString improperStartText();
+
+} // namespace osprel

@@ -1,0 +1,57 @@
+#include "AlertObjectAdaptor.h"
+
+#include "BusNames.h"
+#include "clsAlertCls.h"
+
+#include <QDBusMessage>
+
+namespace osprel {
+
+AlertObjectAdaptor::AlertObjectAdaptor(const QDBusConnection &connection, const QString &path, const QString &owner,
+                                       clsAlertCls *object)
+    : m_connection(connection), m_path(path), m_owner(owner), m_object(object)
+{
+    // Every event goes to the owner alone, with 16-bit arguments as int16 ("n").
+    connect(object, &clsAlertCls::AlertStatus, this, [this](qint32 id, qint16 emailFax, bool status) {
+        emitToOwner(QStringLiteral("AlertStatus"), {QVariant::fromValue<qint32>(id), QVariant::fromValue<qint16>(emailFax),
+                                                   QVariant::fromValue<bool>(status)});
+    });
+    connect(object, &clsAlertCls::ServerStatus, this, [this](bool busy, qint16 email, qint16 fax) {
+        emitToOwner(QStringLiteral("ServerStatus"), {QVariant::fromValue<bool>(busy), QVariant::fromValue<qint16>(email),
+                                                    QVariant::fromValue<qint16>(fax)});
+    });
+    connect(object, &clsAlertCls::ServerClosing, this, [this] { emitToOwner(QStringLiteral("ServerClosing"), {}); });
+    connect(object, &clsAlertCls::AlertReady, this,
+            [this](const QString &text) { emitToOwner(QStringLiteral("AlertReady"), {QVariant(text)}); });
+}
+
+bool AlertObjectAdaptor::SendAlert(const QString &strAlertString)
+{
+    if (!callerIsOwner() || !m_object)
+        return false;
+    return m_object->SendAlert(strAlertString);
+}
+
+bool AlertObjectAdaptor::ServerCmd(const QString &strFormName, short intCmd, const QDBusVariant &CustomStr)
+{
+    if (!callerIsOwner() || !m_object)
+        return false;
+    return m_object->ServerCmd(strFormName, intCmd, CustomStr.variant());
+}
+
+bool AlertObjectAdaptor::callerIsOwner()
+{
+    if (!calledFromDBus() || message().service() == m_owner)
+        return true;
+    sendErrorReply(QDBusError::AccessDenied, QStringLiteral("This alert object belongs to another client."));
+    return false;
+}
+
+void AlertObjectAdaptor::emitToOwner(const QString &name, const QVariantList &arguments)
+{
+    QDBusMessage signal = QDBusMessage::createTargetedSignal(m_owner, m_path, bus::kAlertInterface, name);
+    signal.setArguments(arguments);
+    m_connection.send(signal);
+}
+
+} // namespace osprel

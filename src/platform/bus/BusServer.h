@@ -1,0 +1,58 @@
+#pragma once
+// The server on the message bus: the service name, the factory, the alert objects by client, and the watch on
+// every client (an object lives as long as the connection that created it) and on the bus itself.
+
+#include <QDBusConnection>
+#include <QDBusError>
+#include <QHash>
+#include <QObject>
+#include <QTimer>
+
+class QDBusServiceWatcher;
+
+namespace osprel {
+
+class AlertObjectAdaptor;
+class FactoryAdaptor;
+class clsAlertCls;
+
+class BusServer : public QObject
+{
+    Q_OBJECT
+public:
+    explicit BusServer(const QDBusConnection &connection, QObject *parent = nullptr);
+    ~BusServer() override;
+
+    // Registers the factory and takes the service name; false (with the reason in errorText) when either fails.
+    bool start(QString *errorText);
+    // Gives up the service name and every object (shutdown).
+    void stop();
+
+    QDBusConnection connection() const { return m_connection; }
+    int objectCount() const { return int(m_objects.size()); }
+
+    // Factory work, called by the factory adaptor.
+    QString createObject(const QString &owner);
+    bool releaseObject(const QString &path, const QString &caller, QDBusError::ErrorType *error, QString *text);
+
+Q_SIGNALS:
+    void objectCreated(clsAlertCls *object);
+    // A client left the bus; each of its objects is announced before it is released.
+    void ownerLeft(clsAlertCls *object);
+    // The server's own bus connection is gone.
+    void busLost();
+
+private:
+    void dropObject(const QString &path);
+    void onServiceUnregistered(const QString &owner);
+
+    QDBusConnection m_connection;
+    FactoryAdaptor *m_factory = nullptr;
+    QDBusServiceWatcher *m_watcher = nullptr;
+    QHash<QString, AlertObjectAdaptor *> m_objects; // by path
+    quint64 m_serial = 0;
+    QTimer m_busWatch;
+    bool m_started = false;
+};
+
+} // namespace osprel

@@ -1,0 +1,27 @@
+#pragma once
+// The factory object at "/": makes one alert object per call for the calling client, and releases it.
+
+#include <QDBusContext>
+#include <QDBusObjectPath>
+#include <QObject>
+
+namespace osprel {
+
+class BusServer;
+
+class FactoryAdaptor : public QObject, protected QDBusContext
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.osprel.EmailFax.Factory")
+public:
+    explicit FactoryAdaptor(BusServer &server);
+
+public Q_SLOTS:
+    QDBusObjectPath CreateObject();
+    void Release(const QDBusObjectPath &object);
+
+private:
+    BusServer &m_server;
+};
+
+} // namespace osprel

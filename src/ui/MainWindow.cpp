@@ -1,0 +1,351 @@
+#include "MainWindow.h"
+
+#include "EmailFaxServer.h"
+#include "ErrorReport.h"
+#include "ImageList.h"
+#include "ListView.h"
+#include "Log.h"
+#include "pages/AlarmSetupPage.h"
+#include "pages/CommSetupPage.h"
+#include "pages/HistoryPage.h"
+#include "pages/PriorityPage.h"
+#include "pages/QueuePanel.h"
+#include "pages/RecipientsPage.h"
+#include "pages/StatusPanel.h"
+
+#include <QCloseEvent>
+#include <QDesktopServices>
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QMenu>
+#include <QPushButton>
+#include <QSplitter>
+#include <QSystemTrayIcon>
+#include <QTabBar>
+#include <QUrl>
+#include <QVBoxLayout>
+
+namespace osprel {
+
+namespace {
+const char *const kTabCaptions[6] = {"Email History", "Fax History", "Recipients",
+                                     "Comm Setup",    "Alarm Setup", "Alarm Priority"};
+// Overlay panels open at left 120, top 120 twips over the page.
+constexpr int kOverlayOffset = 120 / 15;
+} // namespace
+
+MainWindow::MainWindow(EmailFaxServer &server, Log &log, QWidget *parent)
+    : QWidget(parent), m_server(server), m_log(log)
+{
+    setObjectName(QStringLiteral("frmFaxEmail"));
+    setWindowTitle(QStringLiteral("Chamber Osprel"));
+    FormLists &lists = server.lists();
+
+    m_SSTab1 = new QTabBar(this);
+    m_SSTab1->setObjectName(QStringLiteral("SSTab1"));
+    for (const char *caption : kTabCaptions)
+        m_SSTab1->addTab(QString::fromLatin1(caption));
+
+    // The pages and the overlays share one cell; TabSet decides which page shows.
+    m_pageArea = new QWidget(this);
+    auto *pages = new QGridLayout(m_pageArea);
+    pages->setContentsMargins(0, 0, 0, 0);
+    m_Frame1[0] = m_history[0] = new HistoryPage(0, lists, m_pageArea);
+    m_Frame1[1] = m_history[1] = new HistoryPage(1, lists, m_pageArea);
+    m_Frame1[2] = m_recipients = new RecipientsPage(lists, m_pageArea);
+    m_Frame1[3] = m_commSetup = new CommSetupPage(m_pageArea);
+    m_Frame1[4] = m_alarmSetup = new AlarmSetupPage(m_pageArea);
+    m_Frame1[5] = m_priority = new PriorityPage(m_pageArea);
+    for (QFrame *frame : m_Frame1)
+        pages->addWidget(frame, 0, 0);
+
+    m_picStatus = new StatusPanel(log, m_pageArea);
+    m_picContacts = overlay("picContacts");
+    m_lblContactErr = new QLabel(m_picContacts);
+    m_lblContactErr->setObjectName(QStringLiteral("lblContactErr"));
+    m_picAdvModemSetup = overlay("picAdvModemSetup");
+    auto *cmdCancelModemSetup = new QPushButton(tr("Cancel"), m_picAdvModemSetup);
+    cmdCancelModemSetup->setObjectName(QStringLiteral("cmdCancelModemSetup"));
+    m_picControls = overlay("picControls");
+    for (QWidget *panel : {static_cast<QWidget *>(m_picStatus), static_cast<QWidget *>(m_picContacts),
+                           static_cast<QWidget *>(m_picAdvModemSetup), static_cast<QWidget *>(m_picControls)}) {
+        pages->addWidget(panel, 0, 0);
+        panel->setContentsMargins(kOverlayOffset, kOverlayOffset, 0, 0);
+        panel->hide();
+    }
+
+    m_queues = new QueuePanel(lists, log, this);
+    auto *split = new QSplitter(Qt::Vertical, this);
+    auto *top = new QWidget(split);
+    auto *topLayout = new QVBoxLayout(top);
+    topLayout->setContentsMargins(0, 0, 0, 0);
+    topLayout->setSpacing(0);
+    topLayout->addWidget(m_SSTab1);
+    topLayout->addWidget(m_pageArea, 1);
+    split->addWidget(top);
+    split->addWidget(m_queues);
+    split->setStretchFactor(0, 3);
+    split->setStretchFactor(1, 2);
+
+    m_lblAppVersion = new QLabel(tr("Version"), this);
+    m_lblAppVersion->setObjectName(QStringLiteral("lblAppVersion"));
+    m_lblDumpStrFunctErr = new QLabel(this);
+    m_lblDumpStrFunctErr->setObjectName(QStringLiteral("lblDumpStrFunctErr"));
+    m_lblDumpStrFunctErr->setStyleSheet(QStringLiteral("color: #b00000"));
+    auto *status = new QHBoxLayout;
+    status->addWidget(m_lblDumpStrFunctErr, 1);
+    status->addWidget(m_lblAppVersion);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(split, 1);
+    layout->addLayout(status);
+
+    connect(m_SSTab1, &QTabBar::currentChanged, this, [this](int index) { TabSet(m_SSTab1->tabText(index)); });
+    connect(m_history[0]->cmdStatus, &QPushButton::clicked, this,
+            [this] { openOverlay(m_picStatus, m_history[0]->cmdStatus->text()); });
+    connect(m_picStatus->cmdStatusClose, &QPushButton::clicked, this, [this] { closeOverlay(m_picStatus); });
+    connect(m_history[0]->cmdViewLogFile, &QPushButton::clicked, this, [this] {
+        guarded(QStringLiteral("cmdViewLogFile_Click"),
+                [this] { QDesktopServices::openUrl(QUrl::fromLocalFile(m_log.logPath())); });
+    });
+    connect(&log, &Log::functErrChanged, m_lblDumpStrFunctErr, &QLabel::setText);
+    connect(&log, &Log::appended, this, [this](QStringListModel *model) {
+        // The newest entry of a status list stays selected.
+        for (QListView *view : {m_picStatus->lstStatus, m_queues->lstEmailStatus, m_queues->lstFaxStatus}) {
+            if (view->model() == model && view->isVisible()) {
+                view->setCurrentIndex(model->index(model->rowCount() - 1));
+            }
+        }
+    });
+}
+
+MainWindow::~MainWindow()
+{
+    trayRemove();
+}
+
+QFrame *MainWindow::overlay(const char *name)
+{
+    auto *panel = new QFrame(m_pageArea);
+    panel->setObjectName(QLatin1String(name));
+    panel->setFrameShape(QFrame::Panel);
+    panel->setFrameShadow(QFrame::Raised);
+    panel->setAutoFillBackground(true);
+    new QVBoxLayout(panel);
+    return panel;
+}
+
+void MainWindow::openOverlay(QWidget *panel, const QString &caption)
+{
+    panel->show();
+    panel->raise();
+    TabSet(caption);
+}
+
+void MainWindow::closeOverlay(QWidget *panel)
+{
+    panel->hide();
+    TabSet(m_SSTab1->tabText(m_SSTab1->currentIndex()));
+}
+
+void MainWindow::setPlacement(int heightTwips, int widthTwips)
+{
+    setMinimumSize(ListView::twipsToPixels(widthTwips), ListView::twipsToPixels(heightTwips));
+    resize(qMax(width(), 1000), qMax(height(), 700));
+}
+
+void MainWindow::setTestFields(const QString &emailTo, const QString &emailSubject, const QString &emailMessage,
+                               const QString &faxName, const QString &faxNumber, const QString &faxMessage)
+{
+    m_commSetup->txtTestEMailTo->setText(emailTo);
+    m_commSetup->txtTestEMailSubject->setText(emailSubject);
+    m_commSetup->txtTestEMailMessage->setText(emailMessage);
+    m_commSetup->txtTestRcpFName->setText(faxName);
+    m_commSetup->txtTestFaxNumber->setText(faxNumber);
+    m_commSetup->txtTestFaxMessage->setText(faxMessage);
+}
+
+void MainWindow::setServiceControlsVisible(bool visible)
+{
+    for (QWidget *w : std::initializer_list<QWidget *>{
+             m_queues->Label1, m_queues->Label7, m_queues->Label8, m_queues->cmdEnableTimer, m_queues->cmdAddErr,
+             m_queues->cmdSendFax, m_queues->cmdShutUp, m_queues->lvwMsgQue, m_queues->lvwSendEmailQue,
+             m_queues->lvwSendFaxQue})
+        w->setVisible(visible);
+}
+
+void MainWindow::appendAppVersion(const QString &text)
+{
+    m_lblAppVersion->setText(m_lblAppVersion->text() + text);
+}
+
+void MainWindow::frameSetup()
+{
+    for (int i = 0; i < m_SSTab1->count(); ++i) {
+        m_Frame1[i]->setFrameShape(QFrame::NoFrame);
+    }
+}
+
+void MainWindow::TabSet(const QString &control)
+{
+    guarded(QStringLiteral("TabSet"), QStringLiteral(", Control = ") + control, [&] {
+        for (int i = 0; i < m_SSTab1->count(); ++i) {
+            m_Frame1[i]->setEnabled(false);
+            m_Frame1[i]->hide();
+        }
+        m_queues->fraMsgQue->setEnabled(false);
+        m_queues->fraEmailFaxQue->setEnabled(false);
+
+        auto showPage = [this](int i) {
+            m_Frame1[i]->setEnabled(true);
+            m_Frame1[i]->show();
+        };
+        auto focus = [this](const char *name) {
+            if (QWidget *w = findChild<QWidget *>(QLatin1String(name)))
+                w->setFocus();
+        };
+        if (control == QLatin1String("Email History")) {
+            showPage(0);
+            focus("lvwHist(0)");
+        } else if (control == QLatin1String("Fax History")) {
+            showPage(1);
+            focus("lvwHist(1)");
+        } else if (control == QLatin1String("Recipients")) {
+            showPage(2);
+            focus("lvwMainContacts");
+        } else if (control == QLatin1String("Comm Setup")) {
+            showPage(3);
+            focus("txtMailServer");
+        } else if (control == QLatin1String("New") || control == QLatin1String("Edit")) {
+            focus("txtContactsFName");
+        } else if (control == QLatin1String("Status Report")) {
+            focus("lstStatus");
+        } else if (control == QLatin1String("Alarm Setup")) {
+            showPage(4);
+        } else if (control == QLatin1String("Setup...")) {
+            focus("cmdCancelModemSetup");
+        } else if (control == QLatin1String("Alarm Priority")) {
+            showPage(5);
+        } else if (control == QLatin1String("Form_Load")) {
+            showPage(0);
+        }
+    });
+}
+
+void MainWindow::showStartPage()
+{
+    if (m_SSTab1->currentIndex() != 0)
+        m_SSTab1->setCurrentIndex(0);
+    for (QWidget *w : std::initializer_list<QWidget *>{m_queues, m_queues->Label7, m_queues->Label1,
+                                                       m_queues->fraEmailFaxQue, m_queues->lvwSendEmailQue,
+                                                       m_queues->lvwMsgQue, m_queues->lvwSendFaxQue})
+        w->setVisible(true);
+    m_lblContactErr->clear();
+}
+
+void MainWindow::setWindowImage(int image)
+{
+    setWindowIcon(imageListIcon(image));
+}
+
+void MainWindow::setCaption(const QString &caption)
+{
+    setWindowTitle(caption);
+}
+
+void MainWindow::showWindow()
+{
+    show();
+}
+
+void MainWindow::hideWindow()
+{
+    hide();
+}
+
+void MainWindow::restoreWindow()
+{
+    setWindowState(windowState() & ~(Qt::WindowMinimized | Qt::WindowMaximized));
+    show();
+    raise();
+    activateWindow();
+}
+
+void MainWindow::trayAdd(const QString &tip)
+{
+    // Where the desktop has no notification area the server runs without a tray icon.
+    if (m_tray || !QSystemTrayIcon::isSystemTrayAvailable())
+        return;
+    m_tray = new QSystemTrayIcon(windowIcon(), this);
+    m_tray->setObjectName(QStringLiteral("trayIcon"));
+    m_tray->setToolTip(tip);
+    buildTrayMenu();
+    connect(m_tray, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
+        if (reason == QSystemTrayIcon::Trigger)
+            m_server.Form_MouseMove(514, 0);
+        else if (reason == QSystemTrayIcon::DoubleClick)
+            m_server.Form_MouseMove(515, 0);
+    });
+    m_tray->show();
+}
+
+void MainWindow::buildTrayMenu()
+{
+    m_mPopupSys = new QMenu(QStringLiteral("&SysTray"), this);
+    m_mPopupSys->setObjectName(QStringLiteral("mPopupSys"));
+    QAction *restore = m_mPopupSys->addAction(QStringLiteral("&Restore"));
+    restore->setObjectName(QStringLiteral("mPopRestore"));
+    connect(restore, &QAction::triggered, &m_server, &EmailFaxServer::mPopRestore_Click);
+    QAction *exit = m_mPopupSys->addAction(QStringLiteral("&Exit"));
+    exit->setObjectName(QStringLiteral("mPopExit"));
+    connect(exit, &QAction::triggered, &m_server, &EmailFaxServer::mPopExit_Click);
+    m_tray->setContextMenu(m_mPopupSys);
+}
+
+void MainWindow::trayRemove()
+{
+    delete m_tray;
+    m_tray = nullptr;
+}
+
+void MainWindow::SysTrayUpdate()
+{
+    guarded(QStringLiteral("SysTrayUpdate"), [&] {
+        if (!m_tray)
+            return;
+        m_tray->setIcon(windowIcon());
+        m_tray->setToolTip(windowTitle());
+    });
+}
+
+void MainWindow::setCategoryCaption(int index, const QString &caption)
+{
+    if (index < 0 || index > 7)
+        osprel::raise(Err::IndexOutOfBounds);
+    m_alarmSetup->lblErrCata[index]->setText(caption);
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    if (m_server.Form_QueryUnload(EmailFaxServer::CloseBox))
+        event->ignore();
+    else
+        event->accept();
+}
+
+void MainWindow::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    m_server.Form_Resize();
+}
+
+void MainWindow::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::WindowStateChange)
+        m_server.Form_Resize();
+}
+
+} // namespace osprel

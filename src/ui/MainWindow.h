@@ -1,0 +1,84 @@
+#pragma once
+// frmFaxEmail: the main window. It composes the pages, the queue panel and the overlay panels, shows the lists
+// the server works on, and hands every window event to the server's procedures; it decides nothing itself.
+
+#include "FormPort.h"
+
+#include <QWidget>
+
+class QFrame;
+class QLabel;
+class QSystemTrayIcon;
+class QTabBar;
+class QMenu;
+
+namespace osprel {
+
+class AlarmSetupPage;
+class CommSetupPage;
+class EmailFaxServer;
+class HistoryPage;
+class Log;
+class PriorityPage;
+class QueuePanel;
+class RecipientsPage;
+class StatusPanel;
+
+class MainWindow : public QWidget, public FormPort
+{
+    Q_OBJECT
+public:
+    MainWindow(EmailFaxServer &server, Log &log, QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+    // FormPort
+    void setPlacement(int heightTwips, int widthTwips) override;
+    void setTestFields(const QString &emailTo, const QString &emailSubject, const QString &emailMessage,
+                       const QString &faxName, const QString &faxNumber, const QString &faxMessage) override;
+    void setServiceControlsVisible(bool visible) override;
+    void appendAppVersion(const QString &text) override;
+    void frameSetup() override;
+    void TabSet(const QString &control) override;
+    void showStartPage() override;
+    void setWindowImage(int image) override;
+    void setCaption(const QString &caption) override;
+    void showWindow() override;
+    void hideWindow() override;
+    void restoreWindow() override;
+    void trayAdd(const QString &tip) override;
+    void trayRemove() override;
+    void SysTrayUpdate() override;
+    void setCategoryCaption(int index, const QString &caption) override;
+
+    QSystemTrayIcon *tray() const { return m_tray; }
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    QFrame *overlay(const char *name);
+    void openOverlay(QWidget *panel, const QString &caption);
+    void closeOverlay(QWidget *panel);
+    void buildTrayMenu();
+
+    EmailFaxServer &m_server;
+    Log &m_log;
+    QTabBar *m_SSTab1 = nullptr;
+    QWidget *m_pageArea = nullptr;
+    QFrame *m_Frame1[6] = {};
+    HistoryPage *m_history[2] = {};
+    RecipientsPage *m_recipients = nullptr;
+    CommSetupPage *m_commSetup = nullptr;
+    AlarmSetupPage *m_alarmSetup = nullptr;
+    PriorityPage *m_priority = nullptr;
+    QueuePanel *m_queues = nullptr;
+    StatusPanel *m_picStatus = nullptr;
+    QFrame *m_picContacts = nullptr, *m_picAdvModemSetup = nullptr, *m_picControls = nullptr;
+    QLabel *m_lblAppVersion = nullptr, *m_lblDumpStrFunctErr = nullptr, *m_lblContactErr = nullptr;
+    QSystemTrayIcon *m_tray = nullptr;
+    QMenu *m_mPopupSys = nullptr;
+};
+
+} // namespace osprel

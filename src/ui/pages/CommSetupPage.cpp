@@ -1,0 +1,52 @@
+#include "CommSetupPage.h"
+
+#include <QCheckBox>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLineEdit>
+
+namespace osprel {
+
+namespace {
+QLineEdit *lineEdit(QWidget *parent, const char *name)
+{
+    auto *edit = new QLineEdit(parent);
+    edit->setObjectName(QLatin1String(name));
+    return edit;
+}
+} // namespace
+
+CommSetupPage::CommSetupPage(QWidget *parent) : QFrame(parent)
+{
+    setObjectName(QStringLiteral("Frame1(3)"));
+    auto *layout = new QHBoxLayout(this);
+
+    auto *email = new QGroupBox(tr("E-mail"), this);
+    auto *emailForm = new QFormLayout(email);
+    chkEnableEmail = new QCheckBox(tr("Enable e-mail messaging"), email);
+    chkEnableEmail->setObjectName(QStringLiteral("chkEnableEmail"));
+    emailForm->addRow(chkEnableEmail);
+    emailForm->addRow(tr("Mail server:"), txtMailServer = lineEdit(email, "txtMailServer"));
+    emailForm->addRow(tr("From address:"), txtFrom = lineEdit(email, "txtFrom"));
+    emailForm->addRow(tr("From name:"), txtFromName = lineEdit(email, "txtFromName"));
+    emailForm->addRow(tr("Test: send to:"), txtTestEMailTo = lineEdit(email, "txtTestEMailTo"));
+    emailForm->addRow(tr("Test subject:"), txtTestEMailSubject = lineEdit(email, "txtTestEMailSubject"));
+    emailForm->addRow(tr("Test message:"), txtTestEMailMessage = lineEdit(email, "txtTestEMailMessage"));
+    layout->addWidget(email);
+
+    auto *fax = new QGroupBox(tr("Fax"), this);
+    auto *faxForm = new QFormLayout(fax);
+    chkEnableFax = new QCheckBox(tr("Enable fax messaging"), fax);
+    chkEnableFax->setObjectName(QStringLiteral("chkEnableFax"));
+    faxForm->addRow(chkEnableFax);
+    faxForm->addRow(tr("Fax station:"), txtFaxStation = lineEdit(fax, "txtFaxStation"));
+    faxForm->addRow(tr("Fax device:"), txtFaxDevice = lineEdit(fax, "txtFaxDevice"));
+    txtFaxDevice->setReadOnly(true);
+    faxForm->addRow(tr("Test: name:"), txtTestRcpFName = lineEdit(fax, "txtTestRcpFName"));
+    faxForm->addRow(tr("Test: fax number:"), txtTestFaxNumber = lineEdit(fax, "txtTestFaxNumber"));
+    faxForm->addRow(tr("Test message:"), txtTestFaxMessage = lineEdit(fax, "txtTestFaxMessage"));
+    layout->addWidget(fax);
+}
+
+} // namespace osprel
