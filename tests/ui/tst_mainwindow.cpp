@@ -1,0 +1,165 @@
+// The main window driven headless: load, the list layouts, page switching, closing to the tray and unloading.
+
+#include "EmailFaxServer.h"
+#include "Globals.h"
+#include "Log.h"
+#include "MainWindow.h"
+#include "clsAlertCls.h"
+
+#include <QFrame>
+#include <QLabel>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTabBar>
+#include <QTemporaryDir>
+#include <QTreeView>
+#include <QtTest>
+
+using namespace osprel;
+
+namespace {
+// Notes whether the log already held the start-up record when the window was first shown.
+class ShowWatcher : public QObject
+{
+public:
+    explicit ShowWatcher(QString logPath) : m_logPath(std::move(logPath)) {}
+    bool recordBeforeShow = false;
+    bool shown = false;
+
+protected:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::Show && !shown) {
+            shown = true;
+            QFile log(m_logPath);
+            recordBeforeShow = log.open(QIODevice::ReadOnly) && log.readAll().contains("Starting Alarm System: ");
+        }
+        return false;
+    }
+
+private:
+    QString m_logPath;
+};
+} // namespace
+
+class TestMainWindow : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void init()
+    {
+        resetGlobals();
+        m_dir = std::make_unique<QTemporaryDir>();
+        m_log = std::make_unique<Log>(m_dir->path());
+        m_server = std::make_unique<EmailFaxServer>(*m_log);
+        m_window = std::make_unique<MainWindow>(*m_server, *m_log);
+        m_server->setPort(m_window.get());
+        m_watcher = std::make_unique<ShowWatcher>(m_log->logPath());
+        m_window->installEventFilter(m_watcher.get());
+        m_server->Form_Load();
+    }
+    void cleanup()
+    {
+        m_window.reset();
+        m_server.reset();
+        m_log.reset();
+        m_dir.reset();
+    }
+
+    void loadLaysOutTheWindow()
+    {
+        QVERIFY(m_watcher->recordBeforeShow);
+        QVERIFY(m_window->isVisible());
+        QCOMPARE(g.gfrmServerForm, static_cast<ServerForm *>(m_server.get()));
+        QCOMPARE(m_window->windowTitle(), QStringLiteral("Chamber Osprel"));
+        QCOMPARE(m_window->findChild<QLabel *>(QStringLiteral("lblAppVersion"))->text(), QStringLiteral("Version 1.0.0"));
+        QVERIFY(m_log->functErr().isEmpty());
+
+        FormLists &lists = m_server->lists();
+        QCOMPARE(lists.lvwSendEmailQue.columnCount(), 8);
+        QCOMPARE(lists.lvwSendFaxQue.columnCount(), 10);
+        QCOMPARE(lists.lvwSendEmailQue.header(8), QStringLiteral("Alarm ID"));
+        QCOMPARE(lists.lvwSendFaxQue.header(10), QStringLiteral("Alarm ID"));
+        QCOMPARE(lists.lvwSendFaxQue.header(8), QStringLiteral("LName"));
+        QCOMPARE(lists.lvwHist[1].header(7), QStringLiteral("Alarm Occurred"));
+        QCOMPARE(lists.lvwHist[1].widthTwips(7), 1750);
+        QCOMPARE(lists.lvwMsgQue.widthTwips(4), 3000);
+        auto *emailQueue = m_window->findChild<QTreeView *>(QStringLiteral("lvwSendEmailQue"));
+        QVERIFY(emailQueue->isColumnHidden(6)); // HistData carries data only
+        QCOMPARE(emailQueue->columnWidth(0), 1750 / 15);
+
+        // Service buttons stay hidden; the queues and their labels show.
+        for (const char *hidden : {"cmdAddErr", "cmdEnableTimer", "cmdSendFax", "cmdShutUp", "Label8"})
+            QVERIFY2(!m_window->findChild<QWidget *>(QLatin1String(hidden))->isVisibleTo(m_window.get()), hidden);
+        for (const char *shown : {"lvwMsgQue", "Label1", "SSTab2"})
+            QVERIFY2(m_window->findChild<QWidget *>(QLatin1String(shown))->isVisibleTo(m_window.get()), shown);
+        QCOMPARE(visiblePages(), QStringList{QStringLiteral("Frame1(0)")});
+    }
+
+    void tabSetShowsOnePageOrNone()
+    {
+        auto *tabs = m_window->findChild<QTabBar *>(QStringLiteral("SSTab1"));
+        tabs->setCurrentIndex(4);
+        QCOMPARE(visiblePages(), QStringList{QStringLiteral("Frame1(4)")});
+        m_window->TabSet(QStringLiteral("email history")); // exact comparison: unknown
+        QVERIFY(visiblePages().isEmpty());
+
+        tabs->setCurrentIndex(0);
+        auto *status = m_window->findChild<QWidget *>(QStringLiteral("picStatus"));
+        QTest::mouseClick(m_window->findChild<QPushButton *>(QStringLiteral("cmdStatus")), Qt::LeftButton);
+        QVERIFY(status->isVisible());
+        QVERIFY(visiblePages().isEmpty());
+        QTest::mouseClick(m_window->findChild<QPushButton *>(QStringLiteral("cmdStatusClose")), Qt::LeftButton);
+        QVERIFY(!status->isVisible());
+        QCOMPARE(visiblePages(), QStringList{QStringLiteral("Frame1(0)")});
+    }
+
+    void closingOnlyHidesAndUnloadEndsTheProgram()
+    {
+        QSignalSpy finished(m_server.get(), &EmailFaxServer::finished);
+        m_window->close();
+        QVERIFY(!m_window->isVisible());
+        QVERIFY(g.gblnServerLinked); // the close box keeps the server linked
+        QVERIFY(m_server->Form_Unload()); // cancelled while linked
+        QCOMPARE(finished.count(), 0);
+
+        m_server->Form_MouseMove(514, 3); // only a vertical coordinate of 0 is a tray message
+        m_server->Form_MouseMove(600, 0);
+        QVERIFY(!m_window->isVisible());
+        m_server->Form_MouseMove(515, 0);
+        QVERIFY(m_window->isVisible());
+
+        m_server->unload(EmailFaxServer::ByCode);
+        QCOMPARE(finished.count(), 1);
+        QVERIFY(!g.gblnServerLinked);
+        QCOMPARE(g.gfrmServerForm, nullptr);
+    }
+
+    void categoryCaptionsComeFromTheChamberProgram()
+    {
+        clsAlertCls object;
+        QVERIFY(object.ServerCmd(QStringLiteral("V"), 5, QStringLiteral("Comm,Ctl,App,Resp,Parse,Chamber,Program,Status")));
+        QCOMPARE(m_window->findChild<QLabel *>(QStringLiteral("lblErrCata(5)"))->text(), QStringLiteral("Chamber"));
+    }
+
+private:
+    QStringList visiblePages() const
+    {
+        QStringList names;
+        for (int i = 0; i < 6; ++i) {
+            auto *frame = m_window->findChild<QFrame *>(QStringLiteral("Frame1(%1)").arg(i));
+            if (frame->isVisibleTo(m_window.get()))
+                names << frame->objectName();
+        }
+        return names;
+    }
+
+    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<Log> m_log;
+    std::unique_ptr<EmailFaxServer> m_server;
+    std::unique_ptr<MainWindow> m_window;
+    std::unique_ptr<ShowWatcher> m_watcher;
+};
+
+QTEST_MAIN(TestMainWindow)
+#include "tst_mainwindow.moc"
