@@ -70,7 +70,7 @@ void AlertLink::tmrServer_Timer()
 void AlertLink::Vantor32Reply(qint16 intEmailFax, bool blnStatus)
 {
     guarded(QStringLiteral("Vantor32Reply"), [&] {
-        ListStore *queue = intEmailFax == 1 ? &m_lists.lvwSendEmailQue
+        ListStore *queue = intEmailFax == 1   ? &m_lists.lvwSendEmailQue
                            : intEmailFax == 2 ? &m_lists.lvwSendFaxQue
                                               : nullptr;
         if (!queue)

@@ -22,8 +22,7 @@ QString versionText()
            QString::number(OSPREL_VERSION_PATCH);
 }
 
-EmailFaxServer::EmailFaxServer(Log &log, QObject *parent)
-    : QObject(parent), m_log(log), m_link(m_lists, m_timers)
+EmailFaxServer::EmailFaxServer(Log &log, QObject *parent) : QObject(parent), m_log(log), m_link(m_lists, m_timers)
 {
     connect(&m_timers.TimerInit, &QTimer::timeout, this, &EmailFaxServer::TimerInit_Timer);
     connect(&m_link, &AlertLink::unloadRequested, this, [this] { unload(ByCode); });
@@ -80,8 +79,9 @@ void EmailFaxServer::VersionControl()
 {
     guarded(QStringLiteral("VersionControl"), [&] {
         port().setPlacement(5625, 8100);
-        port().setTestFields(QString(), QStringLiteral("Osprel Test Email"), QStringLiteral("This is an Osprel test email."),
-                             QString(), QString(), QStringLiteral("This is an Osprel test fax."));
+        port().setTestFields(QString(), QStringLiteral("Osprel Test Email"),
+                             QStringLiteral("This is an Osprel test email."), QString(), QString(),
+                             QStringLiteral("This is an Osprel test fax."));
         port().setServiceControlsVisible(false);
     });
 }

@@ -7,8 +7,8 @@ namespace osprel {
 
 namespace {
 const char *const kCategoryNames[kCategoryCount] = {
-    "COMM_ERROR",    "CONTROLLER_ERROR", "APPLICATION_ERROR", "COMMAND_RESPONSE_ERROR", "COMMAND_PARSE_ERROR",
-    "CHAMBER_ALARM", "PROGRAM_ALARM",    "GENERAL_STATUS"};
+    "COMM_ERROR",          "CONTROLLER_ERROR", "APPLICATION_ERROR", "COMMAND_RESPONSE_ERROR",
+    "COMMAND_PARSE_ERROR", "CHAMBER_ALARM",    "PROGRAM_ALARM",     "GENERAL_STATUS"};
 }
 
 QString GetCatName(int code)

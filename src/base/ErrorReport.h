@@ -17,13 +17,11 @@ void setErrorSink(ErrorSink sink);
 // Builds "ErrorHandler N: description (procedure)" + context, as the log shows it.
 QString errorReportText(int number, const QString &description, const QString &procedure,
                         const QString &context = QString());
-void reportError(int number, const QString &description, const QString &procedure,
-                 const QString &context = QString());
+void reportError(int number, const QString &description, const QString &procedure, const QString &context = QString());
 
 // Runs body; on a run-time error reports it under procedure (plus context) and returns false.
 // Nothing thrown ever leaves a guarded procedure.
-template <typename Body>
-bool guarded(const QString &procedure, const QString &context, Body &&body) noexcept
+template <typename Body> bool guarded(const QString &procedure, const QString &context, Body &&body) noexcept
 {
     try {
         body();
@@ -40,8 +38,7 @@ bool guarded(const QString &procedure, const QString &context, Body &&body) noex
     return false;
 }
 
-template <typename Body>
-bool guarded(const QString &procedure, Body &&body) noexcept
+template <typename Body> bool guarded(const QString &procedure, Body &&body) noexcept
 {
     return guarded(procedure, QString(), std::forward<Body>(body));
 }

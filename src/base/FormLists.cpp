@@ -5,7 +5,8 @@
 namespace osprel {
 
 namespace {
-struct Column {
+struct Column
+{
     const char *caption;
     int width;
 };
@@ -17,12 +18,12 @@ void addColumns(ListStore &list, std::initializer_list<Column> columns)
 }
 
 // Both send queues share these first seven columns; the fax queue adds the recipient's names.
-const std::initializer_list<Column> kSendQueueHead = {{"Time Added", 1750}, {"Message", 1350}, {"Chamber Name", 1350},
+const std::initializer_list<Column> kSendQueueHead = {{"Time Added", 1750}, {"Message", 1350},  {"Chamber Name", 1350},
                                                       {"Address", 1350},    {"Attempts", 1350}, {"Category", 1350},
                                                       {"HistData", 0}};
-const std::initializer_list<Column> kHistory = {{"Time Sent", 1750},     {"Status", 1350},         {"Chamber Name", 1350},
-                                                {"Address", 1350},       {"Chamber Error", 1350},  {"Alarm Category", 1350},
-                                                {"Alarm Occurred", 1750}, {"Alarm ID", 1350}};
+const std::initializer_list<Column> kHistory = {
+    {"Time Sent", 1750},     {"Status", 1350},         {"Chamber Name", 1350},   {"Address", 1350},
+    {"Chamber Error", 1350}, {"Alarm Category", 1350}, {"Alarm Occurred", 1750}, {"Alarm ID", 1350}};
 } // namespace
 
 FormLists::FormLists() = default;

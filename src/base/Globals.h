@@ -9,19 +9,19 @@ class ServerForm;
 
 struct Globals
 {
-    qint16 gintAlertClsCount = 0;       // live alert objects
-    QString gstrLinkedForm;             // form name of the linked chamber program; empty when nobody is linked
-    bool gblnServerLinked = false;      // a chamber program holds the link (or the user closed the window)
+    qint16 gintAlertClsCount = 0;  // live alert objects
+    QString gstrLinkedForm;        // form name of the linked chamber program; empty when nobody is linked
+    bool gblnServerLinked = false; // a chamber program holds the link (or the user closed the window)
     ServerForm *gfrmServerForm = nullptr;
-    QString gstrHeaderWord;             // word put before " Name" and " Error" in list headings
-    bool gblnRawAlerts = false;         // when set, the incoming list's category column is not filled
-    QString gstrAlertLabels[22];        // alert field labels handed in by the chamber program
-    qint16 gintEmailSendState = 0;      // 0 idle, 1 sending, 3 sent, 4 failed
+    QString gstrHeaderWord;        // word put before " Name" and " Error" in list headings
+    bool gblnRawAlerts = false;    // when set, the incoming list's category column is not filled
+    QString gstrAlertLabels[22];   // alert field labels handed in by the chamber program
+    qint16 gintEmailSendState = 0; // 0 idle, 1 sending, 3 sent, 4 failed
     qint16 gintFaxSendState = 0;
-    qint16 gintStatusWord = 0;          // cleared at load
-    qint16 gintFlashMode = 0;           // tray flashing: 0 none, 1 sent, 2 failed
-    qint16 gintIconState = 0;           // tray alert state: 0 normal, 1 sent, 2 failed
-    QString gstrAppPath;                // the data folder, without a trailing separator
+    qint16 gintStatusWord = 0; // cleared at load
+    qint16 gintFlashMode = 0;  // tray flashing: 0 none, 1 sent, 2 failed
+    qint16 gintIconState = 0;  // tray alert state: 0 normal, 1 sent, 2 failed
+    QString gstrAppPath;       // the data folder, without a trailing separator
 };
 
 extern Globals g;

@@ -17,7 +17,8 @@ double radixPrefix(const QString &text, int pos, int radix)
     double value = 0;
     for (; pos < text.size(); ++pos) {
         const int digit = QString(text.at(pos)).toInt(nullptr, 16);
-        const bool isDigit = text.at(pos).isDigit() || (radix == 16 && QStringLiteral("abcdefABCDEF").contains(text.at(pos)));
+        const bool isDigit =
+            text.at(pos).isDigit() || (radix == 16 && QStringLiteral("abcdefABCDEF").contains(text.at(pos)));
         if (!isDigit || digit >= radix)
             break;
         value = value * radix + digit;

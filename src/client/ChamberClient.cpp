@@ -30,8 +30,8 @@ ChamberClient::ChamberClient(const QDBusConnection &connection, QObject *parent)
 
 bool ChamberClient::createObject(QString *error)
 {
-    const QDBusMessage call =
-        QDBusMessage::createMethodCall(kService, QStringLiteral("/"), kFactoryInterface, QStringLiteral("CreateObject"));
+    const QDBusMessage call = QDBusMessage::createMethodCall(kService, QStringLiteral("/"), kFactoryInterface,
+                                                             QStringLiteral("CreateObject"));
     const QDBusReply<QDBusObjectPath> reply = m_connection.call(call, QDBus::Block, 60000);
     if (!reply.isValid()) {
         *error = reply.error().name() + QStringLiteral(": ") + reply.error().message();
@@ -51,8 +51,7 @@ bool ChamberClient::sendAlert(const QString &alert, bool *result, QString *error
     return callBool(m_connection, call, result, error);
 }
 
-bool ChamberClient::serverCmd(const QString &form, qint16 command, const QVariant &custom, bool *result,
-                              QString *error)
+bool ChamberClient::serverCmd(const QString &form, qint16 command, const QVariant &custom, bool *result, QString *error)
 {
     QDBusMessage call = QDBusMessage::createMethodCall(kService, m_path, kAlertInterface, QStringLiteral("ServerCmd"));
     // intCmd is int16 ("n"): an int32 would not match the method.

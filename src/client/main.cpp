@@ -50,10 +50,12 @@ int main(int argc, char **argv)
         "command 1, sends the alerts given as arguments (or read from standard input, one a line) and the "
         "commands given with --cmd, prints every event it receives as one line, and unlinks."));
     parser.addHelpOption();
-    parser.addPositionalArgument(QStringLiteral("alert"), QStringLiteral("Alert texts to send."), QStringLiteral("[alert...]"));
+    parser.addPositionalArgument(QStringLiteral("alert"), QStringLiteral("Alert texts to send."),
+                                 QStringLiteral("[alert...]"));
     const QCommandLineOption busOption(QStringLiteral("bus"), QStringLiteral("Bus address (default: the session bus)."),
                                        QStringLiteral("address"));
-    const QCommandLineOption formOption(QStringLiteral("form"), QStringLiteral("Form name to link with (default Vantor32)."),
+    const QCommandLineOption formOption(QStringLiteral("form"),
+                                        QStringLiteral("Form name to link with (default Vantor32)."),
                                         QStringLiteral("name"), QStringLiteral("Vantor32"));
     const QCommandLineOption noLinkOption(QStringLiteral("no-link"), QStringLiteral("Do not link (command 1)."));
     const QCommandLineOption stdinOption(QStringLiteral("stdin"), QStringLiteral("Read alerts from standard input."));
@@ -70,8 +72,8 @@ int main(int argc, char **argv)
     const QCommandLineOption timeoutOption(QStringLiteral("timeout"),
                                            QStringLiteral("Seconds to wait for an idle unlink (default 30)."),
                                            QStringLiteral("seconds"), QStringLiteral("30"));
-    parser.addOptions({busOption, formOption, noLinkOption, stdinOption, cmdOption, waitOption, unlinkOption,
-                       timeoutOption});
+    parser.addOptions(
+        {busOption, formOption, noLinkOption, stdinOption, cmdOption, waitOption, unlinkOption, timeoutOption});
     parser.process(app);
 
     QDBusConnection bus = parser.isSet(busOption)

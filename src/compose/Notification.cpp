@@ -7,7 +7,8 @@ namespace osprel {
 
 namespace {
 // Each line: its label and the alert value printed after it (-1: a title line, -2: the category name of value 19).
-struct LineLayout {
+struct LineLayout
+{
     const char *label;
     int field;
 };

@@ -19,8 +19,8 @@ QPixmap draw(int size, const QColor &ring, const QColor &mark, int image)
     painter.setPen(QPen(mark, size * 0.12, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.setBrush(Qt::NoBrush);
     if (image == 2) { // a tick
-        painter.drawPolyline(QPolygonF({QPointF(size * 0.3, size * 0.52), QPointF(size * 0.45, size * 0.68),
-                                        QPointF(size * 0.72, size * 0.34)}));
+        painter.drawPolyline(QPolygonF(
+            {QPointF(size * 0.3, size * 0.52), QPointF(size * 0.45, size * 0.68), QPointF(size * 0.72, size * 0.34)}));
     } else if (image == 3) { // a cross
         painter.drawLine(QPointF(size * 0.33, size * 0.33), QPointF(size * 0.67, size * 0.67));
         painter.drawLine(QPointF(size * 0.67, size * 0.33), QPointF(size * 0.33, size * 0.67));
@@ -28,8 +28,8 @@ QPixmap draw(int size, const QColor &ring, const QColor &mark, int image)
         const QRectF body(size * 0.28, size * 0.35, size * 0.44, size * 0.3);
         painter.setPen(QPen(mark, size * 0.06));
         painter.drawRect(body);
-        painter.drawPolyline(QPolygonF({body.topLeft(), QPointF(body.center().x(), body.center().y() + size * 0.02),
-                                        body.topRight()}));
+        painter.drawPolyline(
+            QPolygonF({body.topLeft(), QPointF(body.center().x(), body.center().y() + size * 0.02), body.topRight()}));
     }
     return pixmap;
 }

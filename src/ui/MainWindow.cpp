@@ -169,10 +169,10 @@ void MainWindow::setTestFields(const QString &emailTo, const QString &emailSubje
 
 void MainWindow::setServiceControlsVisible(bool visible)
 {
-    for (QWidget *w : std::initializer_list<QWidget *>{
-             m_queues->Label1, m_queues->Label7, m_queues->Label8, m_queues->cmdEnableTimer, m_queues->cmdAddErr,
-             m_queues->cmdSendFax, m_queues->cmdShutUp, m_queues->lvwMsgQue, m_queues->lvwSendEmailQue,
-             m_queues->lvwSendFaxQue})
+    for (QWidget *w : std::initializer_list<QWidget *>{m_queues->Label1, m_queues->Label7, m_queues->Label8,
+                                                       m_queues->cmdEnableTimer, m_queues->cmdAddErr,
+                                                       m_queues->cmdSendFax, m_queues->cmdShutUp, m_queues->lvwMsgQue,
+                                                       m_queues->lvwSendEmailQue, m_queues->lvwSendFaxQue})
         w->setVisible(visible);
 }
 
@@ -238,9 +238,9 @@ void MainWindow::showStartPage()
 {
     if (m_SSTab1->currentIndex() != 0)
         m_SSTab1->setCurrentIndex(0);
-    for (QWidget *w : std::initializer_list<QWidget *>{m_queues, m_queues->Label7, m_queues->Label1,
-                                                       m_queues->fraEmailFaxQue, m_queues->lvwSendEmailQue,
-                                                       m_queues->lvwMsgQue, m_queues->lvwSendFaxQue})
+    for (QWidget *w :
+         std::initializer_list<QWidget *>{m_queues, m_queues->Label7, m_queues->Label1, m_queues->fraEmailFaxQue,
+                                          m_queues->lvwSendEmailQue, m_queues->lvwMsgQue, m_queues->lvwSendFaxQue})
         w->setVisible(true);
     m_lblContactErr->clear();
 }

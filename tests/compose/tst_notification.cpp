@@ -29,7 +29,8 @@ private Q_SLOTS:
     {
         AlertSummary summary;
         const QString text = FormatErrMsg(kAlert, summary);
-        QCOMPARE(summary.line(), QStringLiteral("123|Warehouse 1|CH1 actual high alarm|COMMAND_RESPONSE_ERROR|9:55 pm"));
+        QCOMPARE(summary.line(),
+                 QStringLiteral("123|Warehouse 1|CH1 actual high alarm|COMMAND_RESPONSE_ERROR|9:55 pm"));
         QCOMPARE(text.count(QStringLiteral("\r\n")), 27);
         const QStringList lines = text.split(QStringLiteral("\r\n"));
         QCOMPARE(lines.at(0), QStringLiteral("Chamber Notification"));
@@ -75,7 +76,8 @@ private Q_SLOTS:
     void aTooLargeCategoryNumberIsReportedNotWrapped()
     {
         AlertSummary summary;
-        QVERIFY(SplitString(QString(kAlert).replace(QStringLiteral("|3|"), QStringLiteral("|70000|")), summary).isEmpty());
+        QVERIFY(
+            SplitString(QString(kAlert).replace(QStringLiteral("|3|"), QStringLiteral("|70000|")), summary).isEmpty());
         QCOMPARE(m_log->lstStatus()->stringList().last(), QStringLiteral("ErrorHandler 6: Overflow (SplitString)"));
         QVERIFY(AddErrLables(QStringList(20)).isEmpty());
         QCOMPARE(m_log->lstStatus()->stringList().last(),

@@ -36,8 +36,7 @@ public Q_SLOTS:
 };
 
 // The server answers on this same thread, so a call is awaited with the event loop running.
-template <typename T>
-T await(const QDBusPendingCall &call)
+template <typename T> T await(const QDBusPendingCall &call)
 {
     QDBusPendingReply<T> reply(call);
     if (!QTest::qWaitFor([&] { return reply.isFinished(); }, 5000))
@@ -63,9 +62,9 @@ private Q_SLOTS:
         std::optional<QDBusConnection> ownerConnection = bus.connect(QStringLiteral("owner"));
         QDBusConnection &owner = *ownerConnection;
         QDBusConnection stranger = bus.connect(QStringLiteral("stranger"));
-        const QDBusMessage create = QDBusMessage::createMethodCall(kService, QStringLiteral("/"),
-                                                                   QStringLiteral("org.osprel.EmailFax.Factory"),
-                                                                   QStringLiteral("CreateObject"));
+        const QDBusMessage create =
+            QDBusMessage::createMethodCall(kService, QStringLiteral("/"), QStringLiteral("org.osprel.EmailFax.Factory"),
+                                           QStringLiteral("CreateObject"));
         const QString path = await<QDBusObjectPath>(owner.asyncCall(create)).path();
         QCOMPARE(path, QStringLiteral("/clsAlertCls/1"));
         QCOMPARE(created.count(), 1);
@@ -86,7 +85,8 @@ private Q_SLOTS:
         QCOMPARE(ownerEvents->events.at(1).arguments(), QVariantList({true, short(3), short(4)}));
 
         // The stranger may not call the owner's object, and hears none of its events.
-        QDBusMessage send = QDBusMessage::createMethodCall(kService, path, kAlertInterface, QStringLiteral("SendAlert"));
+        QDBusMessage send =
+            QDBusMessage::createMethodCall(kService, path, kAlertInterface, QStringLiteral("SendAlert"));
         send << QStringLiteral("2|a|b|c|d|5|t");
         QDBusPendingCall denied = stranger.asyncCall(send);
         QTRY_VERIFY(denied.isFinished());

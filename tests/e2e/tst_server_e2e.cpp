@@ -15,7 +15,8 @@ using osprel::ChamberClient;
 
 namespace {
 const QString kService = QStringLiteral("org.osprel.EmailFax");
-const QString kAlert = QStringLiteral("7|4;Chamber 4;Walk-in;On;QLM V;T/H;Running;Yes|999;CH1 high|1;2;3;4|5;6;7;8|5|9:55 pm");
+const QString kAlert =
+    QStringLiteral("7|4;Chamber 4;Walk-in;On;QLM V;T/H;Running;Yes|999;CH1 high|1;2;3;4|5;6;7;8|5|9:55 pm");
 constexpr double kTimeScale = 0.1; // tmrServer at 75 ms
 
 struct Client
@@ -48,7 +49,8 @@ struct Client
     // A raw call, for the calls a chamber program should not make.
     QDBusMessage call(const QString &path, const QString &method, const QVariantList &arguments)
     {
-        QDBusMessage message = QDBusMessage::createMethodCall(kService, path, QStringLiteral("org.osprel.EmailFax.clsAlertCls"), method);
+        QDBusMessage message =
+            QDBusMessage::createMethodCall(kService, path, QStringLiteral("org.osprel.EmailFax.clsAlertCls"), method);
         message.setArguments(arguments);
         return connection.call(message);
     }
@@ -90,7 +92,7 @@ private Q_SLOTS:
         QVERIFY(!chamber.cmd(1)); // already linked
         QVERIFY(!chamber.cmd(3, QString(), QStringLiteral("Other")));
         QVERIFY(m_bus->hasOwner(kService));
-        QVERIFY(chamber.cmd(2)); // idle: unlinks
+        QVERIFY(chamber.cmd(2));                                    // idle: unlinks
         QTRY_VERIFY_WITH_TIMEOUT(!m_bus->hasOwner(kService), 5000); // tmrServer ended the process
     }
 
@@ -101,7 +103,8 @@ private Q_SLOTS:
         manual.start(PrivateBus::buildDir() + QStringLiteral("/bin/osprel-emailfax"), {});
         QVERIFY(manual.waitForFinished(20000));
         QCOMPARE(manual.exitCode(), 1);
-        QVERIFY(manual.readAllStandardError().contains("... Improper Osprel Startup mode ...\n...PROGRAM TERMINATING..."));
+        QVERIFY(
+            manual.readAllStandardError().contains("... Improper Osprel Startup mode ...\n...PROGRAM TERMINATING..."));
 
         Client chamber(*m_bus, QStringLiteral("chamber"));
         QVERIFY(chamber.create());
@@ -133,11 +136,11 @@ private Q_SLOTS:
         const QString firstPath = first.chamber.objectPath();
         QCOMPARE(second.call(firstPath, QStringLiteral("SendAlert"), {kAlert}).errorName(),
                  QStringLiteral("org.freedesktop.DBus.Error.AccessDenied"));
-        QDBusMessage release = QDBusMessage::createMethodCall(kService, QStringLiteral("/"),
-                                                              QStringLiteral("org.osprel.EmailFax.Factory"),
-                                                              QStringLiteral("Release"));
+        QDBusMessage release = QDBusMessage::createMethodCall(
+            kService, QStringLiteral("/"), QStringLiteral("org.osprel.EmailFax.Factory"), QStringLiteral("Release"));
         release << QVariant::fromValue(QDBusObjectPath(firstPath));
-        QCOMPARE(second.connection.call(release).errorName(), QStringLiteral("org.freedesktop.DBus.Error.AccessDenied"));
+        QCOMPARE(second.connection.call(release).errorName(),
+                 QStringLiteral("org.freedesktop.DBus.Error.AccessDenied"));
         QTest::qWait(50);
         QCOMPARE(second.events.size(), 1);
     }
@@ -160,18 +163,17 @@ private Q_SLOTS:
         QVERIFY(chamber.cmd(4, 17)); // a number is taken as its text
 
         // intCmd sent as int32 is not the method at all.
-        const QDBusMessage wrongType = chamber.call(
-            chamber.chamber.objectPath(), QStringLiteral("ServerCmd"),
-            {QStringLiteral("Vantor32"), 1, QVariant::fromValue(QDBusVariant(QString()))});
+        const QDBusMessage wrongType =
+            chamber.call(chamber.chamber.objectPath(), QStringLiteral("ServerCmd"),
+                         {QStringLiteral("Vantor32"), 1, QVariant::fromValue(QDBusVariant(QString()))});
         QCOMPARE(wrongType.errorName(), QStringLiteral("org.freedesktop.DBus.Error.UnknownMethod"));
 
         // A released object is gone; the client keeps its link through the window's reference.
         Client other(*m_bus, QStringLiteral("other"));
         QVERIFY(other.create());
         const QString otherPath = other.chamber.objectPath();
-        QDBusMessage release = QDBusMessage::createMethodCall(kService, QStringLiteral("/"),
-                                                              QStringLiteral("org.osprel.EmailFax.Factory"),
-                                                              QStringLiteral("Release"));
+        QDBusMessage release = QDBusMessage::createMethodCall(
+            kService, QStringLiteral("/"), QStringLiteral("org.osprel.EmailFax.Factory"), QStringLiteral("Release"));
         release << QVariant::fromValue(QDBusObjectPath(otherPath));
         QCOMPARE(other.connection.call(release).type(), QDBusMessage::ReplyMessage);
         QCOMPARE(other.call(otherPath, QStringLiteral("SendAlert"), {kAlert}).errorName(),
@@ -222,7 +224,8 @@ private Q_SLOTS:
         QVERIFY(client.waitForFinished(30000));
         const QString out = QString::fromUtf8(client.readAllStandardOutput());
         QCOMPARE(client.exitCode(), 0);
-        QVERIFY2(out.contains(QStringLiteral("ServerCmd 1 -> true\nServerCmd 4 -> true\nSendAlert -> true\n")), qPrintable(out));
+        QVERIFY2(out.contains(QStringLiteral("ServerCmd 1 -> true\nServerCmd 4 -> true\nSendAlert -> true\n")),
+                 qPrintable(out));
         QVERIFY(out.contains(QStringLiteral("event AlertReady ") + kAlert));
         QVERIFY(out.contains(QStringLiteral("ServerCmd 2 -> true")));
         QTRY_VERIFY_WITH_TIMEOUT(!m_bus->hasOwner(kService), 5000);

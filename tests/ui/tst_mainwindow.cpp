@@ -72,7 +72,8 @@ private Q_SLOTS:
         QVERIFY(m_window->isVisible());
         QCOMPARE(g.gfrmServerForm, static_cast<ServerForm *>(m_server.get()));
         QCOMPARE(m_window->windowTitle(), QStringLiteral("Chamber Osprel"));
-        QCOMPARE(m_window->findChild<QLabel *>(QStringLiteral("lblAppVersion"))->text(), QStringLiteral("Version 1.0.0"));
+        QCOMPARE(m_window->findChild<QLabel *>(QStringLiteral("lblAppVersion"))->text(),
+                 QStringLiteral("Version 1.0.0"));
         QVERIFY(m_log->functErr().isEmpty());
 
         FormLists &lists = m_server->lists();
@@ -119,7 +120,7 @@ private Q_SLOTS:
         QSignalSpy finished(m_server.get(), &EmailFaxServer::finished);
         m_window->close();
         QVERIFY(!m_window->isVisible());
-        QVERIFY(g.gblnServerLinked); // the close box keeps the server linked
+        QVERIFY(g.gblnServerLinked);      // the close box keeps the server linked
         QVERIFY(m_server->Form_Unload()); // cancelled while linked
         QCOMPARE(finished.count(), 0);
 
@@ -138,7 +139,8 @@ private Q_SLOTS:
     void categoryCaptionsComeFromTheChamberProgram()
     {
         clsAlertCls object;
-        QVERIFY(object.ServerCmd(QStringLiteral("V"), 5, QStringLiteral("Comm,Ctl,App,Resp,Parse,Chamber,Program,Status")));
+        QVERIFY(
+            object.ServerCmd(QStringLiteral("V"), 5, QStringLiteral("Comm,Ctl,App,Resp,Parse,Chamber,Program,Status")));
         QCOMPARE(m_window->findChild<QLabel *>(QStringLiteral("lblErrCata(5)"))->text(), QStringLiteral("Chamber"));
     }
 

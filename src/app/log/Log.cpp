@@ -93,8 +93,8 @@ void Log::DumpStr(QString &strMsg, qint16 intList)
             trimLogFile();
         appendLine(strMsg);
     } catch (const RunError &e) {
-        m_functErr = QStringLiteral("Logging Error in DumpStr() ") + QString::number(e.number()) + QStringLiteral(": ") +
-                     e.description();
+        m_functErr = QStringLiteral("Logging Error in DumpStr() ") + QString::number(e.number()) +
+                     QStringLiteral(": ") + e.description();
         Q_EMIT functErrChanged(m_functErr);
     } catch (const std::exception &e) {
         m_functErr = QStringLiteral("Logging Error in DumpStr() ") + QString::number(Err::InternalError) +

@@ -13,12 +13,14 @@ AlertObjectAdaptor::AlertObjectAdaptor(const QDBusConnection &connection, const 
 {
     // Every event goes to the owner alone, with 16-bit arguments as int16 ("n").
     connect(object, &clsAlertCls::AlertStatus, this, [this](qint32 id, qint16 emailFax, bool status) {
-        emitToOwner(QStringLiteral("AlertStatus"), {QVariant::fromValue<qint32>(id), QVariant::fromValue<qint16>(emailFax),
-                                                   QVariant::fromValue<bool>(status)});
+        emitToOwner(QStringLiteral("AlertStatus"),
+                    {QVariant::fromValue<qint32>(id), QVariant::fromValue<qint16>(emailFax),
+                     QVariant::fromValue<bool>(status)});
     });
     connect(object, &clsAlertCls::ServerStatus, this, [this](bool busy, qint16 email, qint16 fax) {
-        emitToOwner(QStringLiteral("ServerStatus"), {QVariant::fromValue<bool>(busy), QVariant::fromValue<qint16>(email),
-                                                    QVariant::fromValue<qint16>(fax)});
+        emitToOwner(
+            QStringLiteral("ServerStatus"),
+            {QVariant::fromValue<bool>(busy), QVariant::fromValue<qint16>(email), QVariant::fromValue<qint16>(fax)});
     });
     connect(object, &clsAlertCls::ServerClosing, this, [this] { emitToOwner(QStringLiteral("ServerClosing"), {}); });
     connect(object, &clsAlertCls::AlertReady, this,

@@ -12,38 +12,36 @@
 
 namespace osprel {
 
-
 class AlertObjectAdaptor : public QObject, protected QDBusContext
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.osprel.EmailFax.clsAlertCls")
-    Q_CLASSINFO("D-Bus Introspection",
-                "  <interface name=\"org.osprel.EmailFax.clsAlertCls\">\n"
-                "    <method name=\"SendAlert\">\n"
-                "      <arg name=\"strAlertString\" type=\"s\" direction=\"in\"/>\n"
-                "      <arg type=\"b\" direction=\"out\"/>\n"
-                "    </method>\n"
-                "    <method name=\"ServerCmd\">\n"
-                "      <arg name=\"strFormName\" type=\"s\" direction=\"in\"/>\n"
-                "      <arg name=\"intCmd\" type=\"n\" direction=\"in\"/>\n"
-                "      <arg name=\"CustomStr\" type=\"v\" direction=\"in\"/>\n"
-                "      <arg type=\"b\" direction=\"out\"/>\n"
-                "    </method>\n"
-                "    <signal name=\"AlertStatus\">\n"
-                "      <arg name=\"lngAlertID\" type=\"i\"/>\n"
-                "      <arg name=\"intEmailFax\" type=\"n\"/>\n"
-                "      <arg name=\"blnStatus\" type=\"b\"/>\n"
-                "    </signal>\n"
-                "    <signal name=\"ServerStatus\">\n"
-                "      <arg name=\"blnBusy\" type=\"b\"/>\n"
-                "      <arg name=\"intEmailStatus\" type=\"n\"/>\n"
-                "      <arg name=\"intFaxStatus\" type=\"n\"/>\n"
-                "    </signal>\n"
-                "    <signal name=\"ServerClosing\"/>\n"
-                "    <signal name=\"AlertReady\">\n"
-                "      <arg name=\"strAlertString\" type=\"s\"/>\n"
-                "    </signal>\n"
-                "  </interface>\n")
+    Q_CLASSINFO("D-Bus Introspection", "  <interface name=\"org.osprel.EmailFax.clsAlertCls\">\n"
+                                       "    <method name=\"SendAlert\">\n"
+                                       "      <arg name=\"strAlertString\" type=\"s\" direction=\"in\"/>\n"
+                                       "      <arg type=\"b\" direction=\"out\"/>\n"
+                                       "    </method>\n"
+                                       "    <method name=\"ServerCmd\">\n"
+                                       "      <arg name=\"strFormName\" type=\"s\" direction=\"in\"/>\n"
+                                       "      <arg name=\"intCmd\" type=\"n\" direction=\"in\"/>\n"
+                                       "      <arg name=\"CustomStr\" type=\"v\" direction=\"in\"/>\n"
+                                       "      <arg type=\"b\" direction=\"out\"/>\n"
+                                       "    </method>\n"
+                                       "    <signal name=\"AlertStatus\">\n"
+                                       "      <arg name=\"lngAlertID\" type=\"i\"/>\n"
+                                       "      <arg name=\"intEmailFax\" type=\"n\"/>\n"
+                                       "      <arg name=\"blnStatus\" type=\"b\"/>\n"
+                                       "    </signal>\n"
+                                       "    <signal name=\"ServerStatus\">\n"
+                                       "      <arg name=\"blnBusy\" type=\"b\"/>\n"
+                                       "      <arg name=\"intEmailStatus\" type=\"n\"/>\n"
+                                       "      <arg name=\"intFaxStatus\" type=\"n\"/>\n"
+                                       "    </signal>\n"
+                                       "    <signal name=\"ServerClosing\"/>\n"
+                                       "    <signal name=\"AlertReady\">\n"
+                                       "      <arg name=\"strAlertString\" type=\"s\"/>\n"
+                                       "    </signal>\n"
+                                       "  </interface>\n")
 public:
     AlertObjectAdaptor(const QDBusConnection &connection, const QString &path, const QString &owner,
                        clsAlertCls *object);

@@ -11,8 +11,7 @@
 
 namespace osprel {
 
-BusServer::BusServer(const QDBusConnection &connection, QObject *parent)
-    : QObject(parent), m_connection(connection)
+BusServer::BusServer(const QDBusConnection &connection, QObject *parent) : QObject(parent), m_connection(connection)
 {
     m_factory = new FactoryAdaptor(*this);
     m_factory->setParent(this);
