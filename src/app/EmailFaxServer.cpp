@@ -1,10 +1,15 @@
 #include "EmailFaxServer.h"
 
+#include "AlarmQueue.h"
 #include "Clock.h"
+#include "DBInit.h"
+#include "Dispatcher.h"
 #include "ErrorReport.h"
 #include "FormPort.h"
 #include "Globals.h"
 #include "Log.h"
+#include "PriorityStore.h"
+#include "RecipientString.h"
 #include "Values.h"
 
 namespace osprel {
@@ -35,6 +40,15 @@ EmailFaxServer::~EmailFaxServer()
         g.gfrmServerForm = nullptr;
 }
 
+void EmailFaxServer::setPort(FormPort *port)
+{
+    m_port = port;
+    m_priorities = std::make_unique<PriorityStore>(m_database, *port);
+    m_alarms = std::make_unique<AlarmQueue>(m_database, m_lists, m_timers, *port);
+    m_dispatcher = std::make_unique<Dispatcher>(m_lists, m_timers, *m_priorities, *m_alarms, *port, m_link,
+                                                [this] { m_sendStatus.SendStatUpdate(); });
+}
+
 FormPort &EmailFaxServer::port()
 {
     if (!m_port)
@@ -53,9 +67,14 @@ void EmailFaxServer::Form_Load()
     g.gintStatusWord = 0;
     guarded(QStringLiteral("Form_Load"), [&] {
         m_lists.InitColHeaders();
-        // The database, priority and settings steps join here as their subsystems arrive.
+        m_database.DBInitADO(g.gstrAppPath);
+        DBInit(m_database, m_lists, port());
+        m_priorities->DBInitAlarmCatSetup();
+        m_priorities->DBInitAlarmPriSetup();
+        m_alarms->InitLables();
         VersionControl();
         port().appendAppVersion(QStringLiteral(" ") + versionText());
+        CopyEmailToRecipientStr(m_lists);
         g.gintEmailSendState = 0;
         g.gintFaxSendState = 0;
         port().setWindowImage(kImageNormal);
@@ -134,7 +153,8 @@ bool EmailFaxServer::Form_Unload()
             return;
         }
         m_link.StopQueueTimers();
-        // The database, the SMTP socket and the fax device are closed here as their subsystems arrive.
+        m_database.close();
+        // The SMTP socket and the fax device are closed here as their subsystems arrive.
         port().trayRemove();
         m_timers.tmrServer.setInterval(0);
         m_timers.tmrServer.stop();

@@ -3,16 +3,22 @@
 // chamber program) and its load, close and unload procedures.
 
 #include "AlertLink.h"
+#include "Database.h"
 #include "FormLists.h"
 #include "FormTimers.h"
+#include "SendStatus.h"
 #include "ServerForm.h"
 
 #include <QObject>
+#include <memory>
 
 namespace osprel {
 
+class AlarmQueue;
+class Dispatcher;
 class FormPort;
 class Log;
+class PriorityStore;
 
 class EmailFaxServer : public QObject, public ServerForm
 {
@@ -24,10 +30,16 @@ public:
     EmailFaxServer(Log &log, QObject *parent = nullptr);
     ~EmailFaxServer() override;
 
-    void setPort(FormPort *port) { m_port = port; }
+    // The window; the subsystems that show things on it are made here.
+    void setPort(FormPort *port);
     FormTimers &timers() { return m_timers; }
     AlertLink &link() { return m_link; }
     Log &log() { return m_log; }
+    Database &database() { return m_database; }
+    SendStatus &sendStatus() { return m_sendStatus; }
+    PriorityStore &priorities() { return *m_priorities; }
+    AlarmQueue &alarms() { return *m_alarms; }
+    Dispatcher &dispatcher() { return *m_dispatcher; }
     bool isLoading() const { return m_loading; }
 
     // ServerForm
@@ -61,6 +73,11 @@ private:
     FormLists m_lists;
     FormTimers m_timers;
     AlertLink m_link;
+    Database m_database;
+    SendStatus m_sendStatus;
+    std::unique_ptr<PriorityStore> m_priorities;
+    std::unique_ptr<AlarmQueue> m_alarms;
+    std::unique_ptr<Dispatcher> m_dispatcher;
     bool m_loading = false;
     bool m_unloaded = false;
 };

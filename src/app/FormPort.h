@@ -1,14 +1,17 @@
 #pragma once
-// What the start-up and shutdown procedures need of the main window, named for what they do to it.
+// What the start-up and shutdown procedures need of the main window, named for what they do to it, together with
+// the ports of the subsystems the window serves.
+
+#include "PriorityPort.h"
+#include "StorePort.h"
 
 #include <QString>
 
 namespace osprel {
 
-class FormPort
+class FormPort : public StorePort, public PriorityPort
 {
 public:
-    virtual ~FormPort() = default;
 
     // Layout presets made once at load.
     virtual void setPlacement(int heightTwips, int widthTwips) = 0;

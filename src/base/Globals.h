@@ -21,6 +21,7 @@ struct Globals
     qint16 gintStatusWord = 0; // cleared at load
     qint16 gintFlashMode = 0;  // tray flashing: 0 none, 1 sent, 2 failed
     qint16 gintIconState = 0;  // tray alert state: 0 normal, 1 sent, 2 failed
+    QString gstrEmailRecipients; // every e-mail recipient's address, each followed by "; "
     QString gstrAppPath;       // the data folder, without a trailing separator
 };
 

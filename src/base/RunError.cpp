@@ -22,6 +22,11 @@ QString errorDescription(int number)
         {Err::PathNotFound, QStringLiteral("Path not found")},
         {Err::ObjectNotSet, QStringLiteral("Object variable or With block variable not set")},
         {Err::InvalidPropertyValue, QStringLiteral("Invalid property value")},
+        {Err::InvalidUseOfNull, QStringLiteral("Invalid use of Null")},
+        {Err::ConnectionClosed, QStringLiteral("The connection cannot be used to perform this operation. It is either "
+                                               "closed or invalid in this context.")},
+        {Err::CommandTextNotSet, QStringLiteral("Command text was not set for the command object.")},
+        {Err::ProviderError, QStringLiteral("Unspecified error")},
         {Err::NoCurrentRecord, QStringLiteral("Either BOF or EOF is True, or the current record has been deleted. "
                                               "Requested operation requires a current record.")},
         {Err::IndexOutOfBounds, QStringLiteral("Index out of bounds")},

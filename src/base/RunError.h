@@ -24,7 +24,11 @@ constexpr int PathFileAccessError = 75;
 constexpr int PathNotFound = 76;
 constexpr int ObjectNotSet = 91;
 constexpr int InvalidPropertyValue = 380;
+constexpr int InvalidUseOfNull = 94;
 constexpr int NoCurrentRecord = 3021;
+constexpr int ConnectionClosed = 3709;        // no open database connection
+constexpr int CommandTextNotSet = -2147217908; // a query with no text
+constexpr int ProviderError = -2147467259;     // the database refused an operation
 constexpr int IndexOutOfBounds = 35600;
 } // namespace Err
 

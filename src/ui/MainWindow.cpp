@@ -13,6 +13,7 @@
 #include "pages/RecipientsPage.h"
 #include "pages/StatusPanel.h"
 
+#include <QCheckBox>
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QGridLayout>
@@ -325,6 +326,60 @@ void MainWindow::setCategoryCaption(int index, const QString &caption)
     if (index < 0 || index > 7)
         osprel::raise(Err::IndexOutOfBounds);
     m_alarmSetup->lblErrCata[index]->setText(caption);
+}
+
+bool MainWindow::chkEnableEmail() const
+{
+    return m_commSetup->chkEnableEmail->isChecked();
+}
+
+bool MainWindow::chkEnableFax() const
+{
+    return m_commSetup->chkEnableFax->isChecked();
+}
+
+void MainWindow::setCommSettings(const CommSettings &settings)
+{
+    m_commSetup->txtMailServer->setText(settings.txtMailServer);
+    m_commSetup->txtFrom->setText(settings.txtFrom);
+    m_commSetup->txtFromName->setText(settings.txtFromName);
+    m_commSetup->txtFaxStation->setText(settings.txtFaxStation);
+}
+
+void MainWindow::setChkEnableEmail(bool checked)
+{
+    m_commSetup->chkEnableEmail->setChecked(checked);
+}
+
+void MainWindow::setChkEnableFax(bool checked)
+{
+    m_commSetup->chkEnableFax->setChecked(checked);
+}
+
+QString MainWindow::lblQueuedAlarms(int index) const
+{
+    if (index < 0 || index > 7)
+        osprel::raise(Err::IndexOutOfBounds);
+    return m_alarmSetup->lblQueuedAlarms[index]->text();
+}
+
+void MainWindow::setLblQueuedAlarms(int index, const QString &caption)
+{
+    if (index < 0 || index > 7)
+        osprel::raise(Err::IndexOutOfBounds);
+    m_alarmSetup->lblQueuedAlarms[index]->setText(caption);
+}
+
+void MainWindow::selectCategoryLevel(int index, int level)
+{
+    if (index < 0 || index > 7)
+        osprel::raise(Err::IndexOutOfBounds);
+    m_alarmSetup->selectLevel(index, level);
+}
+
+void MainWindow::showLevelDefinitions(const LevelRecord (&levels)[3])
+{
+    Q_UNUSED(levels); // the priority page's controls come with the settings screens
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

@@ -49,6 +49,17 @@ public:
     void trayRemove() override;
     void SysTrayUpdate() override;
     void setCategoryCaption(int index, const QString &caption) override;
+    // StorePort
+    bool chkEnableEmail() const override;
+    bool chkEnableFax() const override;
+    void setCommSettings(const CommSettings &settings) override;
+    void setChkEnableEmail(bool checked) override;
+    void setChkEnableFax(bool checked) override;
+    QString lblQueuedAlarms(int index) const override;
+    void setLblQueuedAlarms(int index, const QString &caption) override;
+    // PriorityPort
+    void selectCategoryLevel(int index, int level) override;
+    void showLevelDefinitions(const LevelRecord (&levels)[3]) override;
 
     QSystemTrayIcon *tray() const { return m_tray; }
 

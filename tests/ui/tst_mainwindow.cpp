@@ -50,6 +50,7 @@ private Q_SLOTS:
     {
         resetGlobals();
         m_dir = std::make_unique<QTemporaryDir>();
+        g.gstrAppPath = m_dir->path();
         m_log = std::make_unique<Log>(m_dir->path());
         m_server = std::make_unique<EmailFaxServer>(*m_log);
         m_window = std::make_unique<MainWindow>(*m_server, *m_log);

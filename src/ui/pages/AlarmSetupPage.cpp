@@ -2,8 +2,10 @@
 
 #include "Conversions.h"
 
+#include <QButtonGroup>
 #include <QGridLayout>
 #include <QLabel>
+#include <QRadioButton>
 
 namespace osprel {
 
@@ -11,10 +13,10 @@ AlarmSetupPage::AlarmSetupPage(QWidget *parent) : QFrame(parent)
 {
     setObjectName(QStringLiteral("Frame1(4)"));
     auto *layout = new QGridLayout(this);
-    auto *category = new QLabel(tr("<b>Alarm category</b>"), this);
-    auto *queued = new QLabel(tr("<b>Queued</b>"), this);
-    layout->addWidget(category, 0, 0);
-    layout->addWidget(queued, 0, 1);
+    const QString headings[] = {tr("<b>Alarm category</b>"), tr("<b>High</b>"), tr("<b>Mid</b>"), tr("<b>Low</b>"),
+                                tr("<b>Ignore</b>"), tr("<b>Queued</b>")};
+    for (int column = 0; column < 6; ++column)
+        layout->addWidget(new QLabel(headings[column], this), 0, column);
     for (int i = 0; i < 8; ++i) {
         lblErrCata[i] = new QLabel(GetCatName(i), this);
         lblErrCata[i]->setObjectName(QStringLiteral("lblErrCata(%1)").arg(i));
@@ -22,10 +24,28 @@ AlarmSetupPage::AlarmSetupPage(QWidget *parent) : QFrame(parent)
         lblQueuedAlarms[i]->setObjectName(QStringLiteral("lblQueuedAlarms(%1)").arg(i));
         lblQueuedAlarms[i]->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         layout->addWidget(lblErrCata[i], i + 1, 0);
-        layout->addWidget(lblQueuedAlarms[i], i + 1, 1);
+        levelGroup[i] = new QButtonGroup(this);
+        QRadioButton **rows[4] = {optHi, optMid, optLow, optIgnore};
+        const char *names[4] = {"optHi(%1)", "optMid(%1)", "optLow(%1)", "optIgnore(%1)"};
+        for (int level = 0; level < 4; ++level) {
+            auto *option = new QRadioButton(this);
+            option->setObjectName(QString::fromLatin1(names[level]).arg(i));
+            option->setAccessibleName(GetCatName(i) + QStringLiteral(" ") + headings[level + 1]);
+            rows[level][i] = option;
+            levelGroup[i]->addButton(option, level);
+            layout->addWidget(option, i + 1, level + 1, Qt::AlignCenter);
+        }
+        layout->addWidget(lblQueuedAlarms[i], i + 1, 5);
     }
-    layout->setColumnStretch(2, 1);
+    layout->setColumnStretch(6, 1);
     layout->setRowStretch(9, 1);
+}
+
+void AlarmSetupPage::selectLevel(int index, int level)
+{
+    QRadioButton *option = level == 0 ? optHi[index] : level == 1 ? optMid[index] : level == 2 ? optLow[index]
+                                                                                             : optIgnore[index];
+    option->setChecked(true);
 }
 
 } // namespace osprel

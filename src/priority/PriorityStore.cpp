@@ -1,0 +1,157 @@
+#include "PriorityStore.h"
+
+#include "Conversions.h"
+#include "Database.h"
+#include "ErrorReport.h"
+#include "PriorityPort.h"
+#include "Values.h"
+
+#include <QSqlQuery>
+#include <QVariant>
+
+namespace osprel {
+
+namespace {
+bool yesNo(const QSqlQuery &row, const char *column)
+{
+    const QVariant value = row.value(QLatin1String(column));
+    if (value.isNull())
+        raise(Err::InvalidUseOfNull);
+    return value.toLongLong() != 0;
+}
+
+qint16 int16Of(const QSqlQuery &row, const char *column)
+{
+    return strictInt(textOf(row, column));
+}
+} // namespace
+
+LevelRecord LevelRecord::cleared()
+{
+    LevelRecord record;
+    record.OnceEvery = 0;
+    record.OnceEveryDayHour = 0;
+    record.ResetHour = 0;
+    return record;
+}
+
+bool LevelRecord::operator==(const LevelRecord &o) const
+{
+    return Immediate == o.Immediate && OnceEvery == o.OnceEvery && OnceEveryHourMin == o.OnceEveryHourMin &&
+           OnceEveryDayHour == o.OnceEveryDayHour && OnceEveryWeekDay == o.OnceEveryWeekDay &&
+           SendFirstEnabled == o.SendFirstEnabled && SendAfterEnabled == o.SendAfterEnabled &&
+           SendFirst == o.SendFirst && SendAfter == o.SendAfter && ResetHour == o.ResetHour && ResetDay == o.ResetDay;
+}
+
+qint16 strictInt(const QString &text)
+{
+    bool ok = false;
+    const double value = Trim(text).toDouble(&ok);
+    if (!ok)
+        raise(Err::TypeMismatch);
+    return CInt(value);
+}
+
+PriorityStore::PriorityStore(const Database &database, PriorityPort &port) : m_database(database), m_port(port) {}
+
+void PriorityStore::DBInitAlarmCatSetup()
+{
+    guarded(QStringLiteral("DBInitAlarmCatSetup"), [&] {
+        QSqlQuery rows = m_database.run(QStringLiteral("SELECT PLevelID FROM SetupPriority ORDER BY rowid"));
+        // A short table leaves the later categories as they are; a level that is no number ends the load there.
+        for (int i = 0; i < kCategoryCount && rows.next(); ++i) {
+            m_categoryLevels[i] = textOf(rows, "PLevelID");
+            m_port.selectCategoryLevel(i, strictInt(m_categoryLevels[i]));
+        }
+    });
+}
+
+void PriorityStore::DBInitAlarmPriSetup()
+{
+    guarded(QStringLiteral("DBInitAlarmPriSetup"), [&] {
+        for (LevelRecord &level : m_levels)
+            level = LevelRecord();
+        QSqlQuery rows = m_database.run(QStringLiteral("SELECT * FROM SetupPriorityDef ORDER BY rowid"));
+        for (int level = 0; level < 3 && rows.next(); ++level) {
+            LevelRecord &r = m_levels[level];
+            r.Immediate = yesNo(rows, "Immediate");
+            r.OnceEvery = CLng(strictInt(textOf(rows, "OnceEvery")));
+            r.OnceEveryHourMin = int16Of(rows, "OnceEveryHourMin");
+            r.OnceEveryDayHour = int16Of(rows, "OnceEveryDayHour");
+            r.OnceEveryWeekDay = int16Of(rows, "OnceEveryWeekDay");
+            r.SendFirstEnabled = yesNo(rows, "SendFirstEnabled");
+            r.SendFirst = int16Of(rows, "SendFirst");
+            r.SendAfterEnabled = yesNo(rows, "SendAfterEnabled");
+            r.SendAfter = int16Of(rows, "SendAfter");
+            r.ResetHour = int16Of(rows, "ResetHour");
+            r.ResetDay = int16Of(rows, "ResetDay");
+        }
+        rows.finish();
+        m_port.showLevelDefinitions(m_levels);
+    });
+}
+
+void PriorityStore::DBAddCatPriority()
+{
+    guarded(QStringLiteral("DBAddCatPriority"), [&] {
+        QSqlQuery rows = m_database.run(QStringLiteral("SELECT rowid FROM SetupPriority ORDER BY rowid LIMIT 8"));
+        QList<qint64> ids;
+        while (rows.next())
+            ids.append(rows.value(0).toLongLong());
+        rows.finish();
+        // Rows missing at the end are not created.
+        for (int i = 0; i < ids.size(); ++i)
+            m_database.run(QStringLiteral("UPDATE SetupPriority SET PLevelID = ? WHERE rowid = ?"),
+                           {m_categoryLevels[i], ids.at(i)});
+    });
+}
+
+void PriorityStore::DBAddPriority(const LevelRecord &d, const QString &Key)
+{
+    guarded(QStringLiteral("DBAddPriority"), [&] {
+        const int id = Key == QLatin1String("HighPri") ? 0
+                       : Key == QLatin1String("MidPri") ? 1
+                       : Key == QLatin1String("LowPri") ? 2
+                                                         : -1;
+        if (id < 0)
+            raise(Err::CommandTextNotSet); // an unknown key leaves the query without text
+        QSqlQuery row = m_database.run(
+            QStringLiteral("SELECT rowid FROM SetupPriorityDef WHERE PriorityID = ? ORDER BY rowid LIMIT 1"), {id});
+        if (!row.next())
+            return; // no row is inserted
+        const qint64 rowid = row.value(0).toLongLong();
+        row.finish();
+        m_database.run(QStringLiteral("UPDATE SetupPriorityDef SET Immediate = ?, OnceEvery = ?, OnceEveryHourMin = ?,"
+                                      " OnceEveryDayHour = ?, OnceEveryWeekDay = ?, SendFirstEnabled = ?,"
+                                      " SendFirst = ?, SendAfterEnabled = ?, SendAfter = ?, ResetHour = ?,"
+                                      " ResetDay = ? WHERE rowid = ?"),
+                       {int(d.Immediate), d.OnceEvery, d.OnceEveryHourMin, d.OnceEveryDayHour, d.OnceEveryWeekDay,
+                        int(d.SendFirstEnabled), d.SendFirst, int(d.SendAfterEnabled), d.SendAfter, d.ResetHour,
+                        d.ResetDay, rowid});
+    });
+}
+
+qint16 PriorityStore::GetPriotiryLevel(const QString &CategoryName)
+{
+    qint16 level = LevelHigh;
+    guarded(QStringLiteral("GetPriotiryLevel"), [&] {
+        for (int i = 0; i < kCategoryCount; ++i) {
+            if (CategoryName == GetCatName(i)) {
+                level = strictInt(m_categoryLevels[i]);
+                return;
+            }
+        }
+        // An unknown category is handled as High, so that nothing unknown goes unsent.
+    });
+    return level;
+}
+
+void PriorityStore::GetPriotiryLevelInfo(LevelRecord &Definition, qint16 Level)
+{
+    guarded(QStringLiteral("GetPriotiryLevelInfo"), [&] {
+        if (Level >= LevelHigh && Level <= LevelLow)
+            Definition = m_levels[Level];
+    });
+}
+
+} // namespace osprel

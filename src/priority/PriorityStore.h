@@ -1,0 +1,42 @@
+#pragma once
+// The priority settings in memory: the level of each of the eight alarm categories and the definition of each of
+// the three sending levels, loaded at start and saved when the screens accept a change.
+
+#include "LevelRecord.h"
+
+#include <QString>
+
+namespace osprel {
+
+class Database;
+class PriorityPort;
+
+class PriorityStore
+{
+public:
+    PriorityStore(const Database &database, PriorityPort &port);
+
+    void DBInitAlarmCatSetup();
+    void DBInitAlarmPriSetup();
+    void DBAddCatPriority();
+    void DBAddPriority(const LevelRecord &Definition, const QString &Key);
+
+    qint16 GetPriotiryLevel(const QString &CategoryName);
+    void GetPriotiryLevelInfo(LevelRecord &Definition, qint16 Level);
+
+    // The category levels as stored (decimal text), index 0..7.
+    QString &categoryLevel(int index) { return m_categoryLevels[index]; }
+    const LevelRecord &level(int index) const { return m_levels[index]; }
+    LevelRecord &level(int index) { return m_levels[index]; }
+
+private:
+    const Database &m_database;
+    PriorityPort &m_port;
+    QString m_categoryLevels[8];
+    LevelRecord m_levels[3];
+};
+
+// A stored number read as a number: blanks around it are allowed, anything else is a type mismatch (13).
+qint16 strictInt(const QString &text);
+
+} // namespace osprel

@@ -1,0 +1,159 @@
+#include "AlarmQueue.h"
+
+#include "Clock.h"
+#include "Conversions.h"
+#include "Database.h"
+#include "ErrorReport.h"
+#include "FormLists.h"
+#include "FormTimers.h"
+#include "Globals.h"
+#include "Log.h"
+#include "StorePort.h"
+#include "Values.h"
+
+#include <QSqlQuery>
+#include <QVariant>
+
+namespace osprel {
+
+namespace {
+const QString kSeparator = QStringLiteral("\r\n-----------------------------\r\n\r\n");
+} // namespace
+
+AlarmQueue::AlarmQueue(const Database &database, FormLists &lists, FormTimers &timers, StorePort &port)
+    : m_database(database), m_lists(lists), m_timers(timers), m_port(port)
+{
+}
+
+void AlarmQueue::DBAddAlmMsg(const QString &ErrID, const QString &AlarmString, qint16 Catagory, qint16 Priority,
+                             const QString &HistData)
+{
+    guarded(QStringLiteral("DBAddAlmMsg"), [&] {
+        if (storeInFreeSlot(ErrID, AlarmString, Catagory, Priority, HistData))
+            return;
+        // The pool is full: it is emptied as a whole and the new alarm takes the first slot. Pending alarms are
+        // discarded on purpose, rather than the oldest one by one; their counters stay as they were.
+        QSqlQuery pending = m_database.run(QStringLiteral("SELECT count(*) FROM AlarmMsgs WHERE OverWrite = FALSE"));
+        const int discarded = pending.next() ? pending.value(0).toInt() : 0;
+        pending.finish();
+        if (discarded == 0) {
+            DumpStr(QStringLiteral("The alarm table has no rows: alarm ") + ErrID + QStringLiteral(" is not held."));
+            return;
+        }
+        m_timers.TimerMsgQue.stop();
+        m_database.run(QStringLiteral("UPDATE AlarmMsgs SET OverWrite = TRUE WHERE OverWrite = FALSE"));
+        storeInFreeSlot(ErrID, AlarmString, Catagory, Priority, HistData);
+        m_timers.TimerMsgQue.start();
+    });
+}
+
+bool AlarmQueue::storeInFreeSlot(const QString &ErrID, const QString &AlarmString, qint16 Catagory, qint16 Priority,
+                                 const QString &HistData)
+{
+    QSqlQuery free = m_database.run(QStringLiteral("SELECT rowid FROM AlarmMsgs WHERE OverWrite = TRUE LIMIT 1"));
+    if (!free.next())
+        return false;
+    const qint64 slot = free.value(0).toLongLong();
+    free.finish();
+    m_database.run(QStringLiteral("UPDATE AlarmMsgs SET EntryDate = ?, ErrID = ?, OverWrite = FALSE, Priority = ?,"
+                                  " Catagory = ?, AlarmString = ?, HistData = ? WHERE rowid = ?"),
+                   {generalDateTime(Clock::now()), ErrID, Priority, Catagory, AlarmString, HistData, slot});
+    QueTrackInc(GetCatIndex(GetCatName(Catagory)));
+    return true;
+}
+
+void AlarmQueue::DBGetAlmMsg(qint16 Level, qint16 Mode)
+{
+    guarded(QStringLiteral("DBGetAlmMsg"), [&] {
+        QSqlQuery pending = m_database.run(
+            QStringLiteral("SELECT rowid, AlarmString, Catagory FROM AlarmMsgs WHERE OverWrite = FALSE AND Priority = ?"
+                           " ORDER BY rowid"),
+            {Level});
+        struct Row {
+            qint64 rowid;
+            QString text;
+            qint64 category;
+        };
+        QList<Row> rows;
+        while (pending.next())
+            rows.append({pending.value(0).toLongLong(), pending.value(1).toString(), pending.value(2).toLongLong()});
+        pending.finish();
+        if (rows.isEmpty())
+            return;
+
+        bool reported[9] = {};
+        QString body;
+        for (const Row &row : rows) {
+            const qint64 index = row.category - kCategoryCodeBase;
+            if (index < 0 || index > 8)
+                raise(Err::SubscriptOutOfRange); // the rows before this one stay freed; no report goes out
+            reported[index] = true;
+            // Each block goes in front, so the report lists the alarms newest first.
+            body = row.text + kSeparator + body;
+            m_database.run(QStringLiteral("UPDATE AlarmMsgs SET OverWrite = TRUE WHERE rowid = ?"), {row.rowid});
+        }
+
+        const QString levelLine = GetPriLevelName(Level) + QStringLiteral(" Priority Setting");
+        const QString title = GetReportTypeName(Mode) + QStringLiteral(" Report");
+        const QString alertLine = QStringLiteral("*|") + title + QStringLiteral("|*|*|*|*");
+        const QString header = QStringLiteral("# Vantor 32 ") + title + QStringLiteral(" #\r\n# ") + levelLine +
+                               QStringLiteral(" #\r\n\r\n");
+        queueReport(header + body, title, alertLine);
+
+        for (qint16 i = 0; i < kCategoryCount; ++i) {
+            if (reported[i])
+                QueTrackClear(i);
+        }
+    });
+}
+
+void AlarmQueue::queueReport(const QString &report, const QString &title, const QString &alertLine)
+{
+    if (m_port.chkEnableEmail() && !m_lists.lvwEmailContacts.isEmpty()) {
+        m_lists.lvwSendEmailQue.add(QStringList{GetDateTimeStamp(), report, title, g.gstrEmailRecipients,
+                                                QStringLiteral("0"), QStringLiteral("*"), alertLine,
+                                                QStringLiteral("*")});
+        m_timers.TimerEmailMsgQue.start();
+    }
+    if (m_port.chkEnableFax() && !m_lists.lvwFaxContacts.isEmpty()) {
+        const ListStore &recipients = m_lists.lvwFaxContacts;
+        for (int j = 1; j <= recipients.count(); ++j) {
+            m_lists.lvwSendFaxQue.add(QStringList{GetDateTimeStamp(), report, title, recipients.text(j, 3),
+                                                  QStringLiteral("0"), QStringLiteral("*"), alertLine,
+                                                  recipients.text(j, 1), recipients.text(j, 2), QStringLiteral("*")});
+        }
+        m_timers.TimerFaxMsgQue.start();
+    }
+}
+
+void AlarmQueue::QueTrackClear(qint16 CatIndex)
+{
+    guarded(QStringLiteral("QueTrackClear"), [&] {
+        m_database.run(QStringLiteral("UPDATE AlarmMsgs SET OverWrite = TRUE WHERE OverWrite = FALSE And Catagory = ?"),
+                       {kCategoryCodeBase + CatIndex});
+        m_port.setLblQueuedAlarms(CatIndex, QStringLiteral("0"));
+    });
+}
+
+void AlarmQueue::QueTrackInc(qint16 CatIndex)
+{
+    const qint16 count = addInt(CInt(Val(m_port.lblQueuedAlarms(CatIndex))), 1);
+    m_port.setLblQueuedAlarms(CatIndex, QString::number(count));
+}
+
+void AlarmQueue::InitLables()
+{
+    guarded(QStringLiteral("InitLables"), [&] {
+        for (int i = 0; i < kCategoryCount; ++i)
+            m_port.setLblQueuedAlarms(i, QStringLiteral("0"));
+        for (int i = 0; i < kCategoryCount; ++i) {
+            QSqlQuery pending = m_database.run(
+                QStringLiteral("SELECT count(*) FROM AlarmMsgs WHERE OverWrite = FALSE AND Catagory = ?"),
+                {kCategoryCodeBase + i});
+            const int count = pending.next() ? pending.value(0).toInt() : 0;
+            m_port.setLblQueuedAlarms(i, QString::number(count));
+        }
+    });
+}
+
+} // namespace osprel

@@ -1,0 +1,39 @@
+#pragma once
+// The pool of held alarms (table AlarmMsgs): an alarm goes into a free slot and waits for its level's summary
+// report, which gathers every pending alarm of the level into one message on both send queues. Beside it, the
+// eight counters of queued alarms per category.
+
+#include <QString>
+
+namespace osprel {
+
+class Database;
+class FormLists;
+class FormTimers;
+class StorePort;
+
+class AlarmQueue
+{
+public:
+    AlarmQueue(const Database &database, FormLists &lists, FormTimers &timers, StorePort &port);
+
+    void DBAddAlmMsg(const QString &ErrID, const QString &AlarmString, qint16 Catagory, qint16 Priority,
+                     const QString &HistData);
+    void DBGetAlmMsg(qint16 Level, qint16 Mode);
+    void QueTrackClear(qint16 CatIndex);
+    void QueTrackInc(qint16 CatIndex);
+    // Sets the eight counters from the pending rows of the table.
+    void InitLables();
+
+private:
+    bool storeInFreeSlot(const QString &ErrID, const QString &AlarmString, qint16 Catagory, qint16 Priority,
+                         const QString &HistData);
+    void queueReport(const QString &report, const QString &title, const QString &alertLine);
+
+    const Database &m_database;
+    FormLists &m_lists;
+    FormTimers &m_timers;
+    StorePort &m_port;
+};
+
+} // namespace osprel

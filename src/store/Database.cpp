@@ -1,0 +1,106 @@
+#include "Database.h"
+
+#include "ErrorReport.h"
+#include "RunError.h"
+#include "Schema.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QSqlError>
+#include <QUuid>
+#include <QVariant>
+
+namespace osprel {
+
+Database::Database() : m_connectionName(QStringLiteral("osprel-") + QUuid::createUuid().toString(QUuid::WithoutBraces))
+{
+}
+
+Database::~Database()
+{
+    close();
+    QSqlDatabase::removeDatabase(m_connectionName);
+}
+
+bool Database::DBInitADO(const QString &folder)
+{
+    guarded(QStringLiteral("DBInitADO"), [&] {
+        if (folder.isEmpty())
+            raise(Err::PathNotFound);
+        m_path = folder + u'/' + QLatin1String(kFileName);
+        const bool existed = QFileInfo::exists(m_path);
+        QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connectionName);
+        if (!database.isValid())
+            raise(Err::ProviderError, QStringLiteral("Provider cannot be found. It may not be properly installed."));
+        database.setDatabaseName(m_path);
+        // A file whose owner may not write it is read-only, for every user: it is opened for reading only.
+        if (existed && !(QFileInfo(m_path).permissions() & QFileDevice::WriteOwner))
+            database.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
+        if (!database.open())
+            raise(Err::ProviderError, QStringLiteral("Could not open '") + m_path + QStringLiteral("': ") +
+                                          database.lastError().text());
+        // A file that is not a database opens, and fails on its first read.
+        QSqlQuery probe(database);
+        if (!probe.exec(QStringLiteral("SELECT count(*) FROM sqlite_master"))) {
+            database.close();
+            raise(Err::ProviderError, QStringLiteral("Unrecognized database format '") + m_path + QStringLiteral("'."));
+        }
+        probe.exec(QStringLiteral("PRAGMA synchronous=NORMAL"));
+        probe.exec(QStringLiteral("PRAGMA busy_timeout=2000"));
+        if (!existed) {
+            // Every change is committed row by row; the write-ahead log keeps that cheap. It is set once, when the
+            // file is made: an existing file is never rewritten just by opening it.
+            probe.exec(QStringLiteral("PRAGMA journal_mode=WAL"));
+            probe.finish();
+            try {
+                createSchema(database);
+            } catch (...) {
+                // Only a file this call made is removed: nothing that was stored before is touched.
+                database.close();
+                QFile::remove(m_path);
+                throw;
+            }
+        }
+        probe.finish();
+        m_open = true;
+    });
+    return true;
+}
+
+void Database::close()
+{
+    if (!m_open)
+        return;
+    m_open = false;
+    QSqlDatabase::database(m_connectionName, false).close();
+}
+
+QSqlQuery Database::run(const QString &sql, const QVariantList &values) const
+{
+    if (!m_open)
+        raise(Err::ConnectionClosed);
+    QSqlQuery query(QSqlDatabase::database(m_connectionName, false));
+    query.setForwardOnly(true);
+    if (!query.prepare(sql))
+        raise(Err::ProviderError, query.lastError().text());
+    for (const QVariant &value : values)
+        query.addBindValue(value);
+    if (!query.exec())
+        raise(Err::ProviderError, query.lastError().text());
+    return query;
+}
+
+QString textOf(const QSqlQuery &query, const char *column)
+{
+    const QVariant value = query.value(QLatin1String(column));
+    if (value.isNull())
+        raise(Err::InvalidUseOfNull);
+    return value.toString();
+}
+
+QString textOrEmpty(const QSqlQuery &query, const char *column)
+{
+    return query.value(QLatin1String(column)).toString();
+}
+
+} // namespace osprel

@@ -1,0 +1,45 @@
+#pragma once
+// The one database connection of the server: EMAILFAX.MDE in the data folder, a SQLite file, opened once at start
+// and created with its whole schema and delivered rows when it is missing.
+
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QString>
+#include <QVariantList>
+
+namespace osprel {
+
+class Database
+{
+public:
+    static constexpr const char *kFileName = "EMAILFAX.MDE";
+
+    Database();
+    ~Database();
+    Database(const Database &) = delete;
+    Database &operator=(const Database &) = delete;
+
+    // Opens the file in folder (creating it with the schema when missing). Returns true, as the procedure always
+    // has; a file that cannot be opened or is not a database is logged by name and leaves no connection.
+    bool DBInitADO(const QString &folder);
+    void close();
+
+    bool isOpen() const { return m_open; }
+    const QString &path() const { return m_path; }
+
+    // Runs one statement with its values bound; raises a run-time error when there is no connection or the
+    // statement fails. Values are always bound, never pasted into the text.
+    QSqlQuery run(const QString &sql, const QVariantList &values = {}) const;
+
+private:
+    QString m_connectionName;
+    QString m_path;
+    bool m_open = false;
+};
+
+// A column's value as text; a null raises Invalid use of Null (94), as reading it into a string does.
+QString textOf(const QSqlQuery &query, const char *column);
+// The same, with null read as empty (columns that may be null).
+QString textOrEmpty(const QSqlQuery &query, const char *column);
+
+} // namespace osprel

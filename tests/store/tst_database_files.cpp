@@ -1,0 +1,148 @@
+// The server with a database file it cannot use: it starts, logs each failing procedure in the fixed form, keeps
+// taking alerts, and leaves the file as it found it.
+
+#include "Database.h"
+#include "Dispatcher.h"
+#include "EmailFaxServer.h"
+#include "FormPort.h"
+#include "Globals.h"
+#include "Log.h"
+#include "clsAlertCls.h"
+
+#include <QCryptographicHash>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace osprel;
+
+namespace {
+// A window with nothing on it: the server's procedures only need somewhere to put their values.
+class HeadlessWindow : public FormPort
+{
+public:
+    bool chkEnableEmail() const override { return true; }
+    bool chkEnableFax() const override { return true; }
+    void setCommSettings(const CommSettings &) override {}
+    void setChkEnableEmail(bool) override {}
+    void setChkEnableFax(bool) override {}
+    QString lblQueuedAlarms(int i) const override { return counters[i]; }
+    void setLblQueuedAlarms(int i, const QString &c) override { counters[i] = c; }
+    void selectCategoryLevel(int, int) override {}
+    void showLevelDefinitions(const LevelRecord (&)[3]) override {}
+    void setPlacement(int, int) override {}
+    void setTestFields(const QString &, const QString &, const QString &, const QString &, const QString &,
+                       const QString &) override {}
+    void setServiceControlsVisible(bool) override {}
+    void appendAppVersion(const QString &) override {}
+    void frameSetup() override {}
+    void TabSet(const QString &) override {}
+    void showStartPage() override {}
+    void setWindowImage(int) override {}
+    void setCaption(const QString &) override {}
+    void showWindow() override {}
+    void hideWindow() override {}
+    void restoreWindow() override {}
+    void trayAdd(const QString &) override {}
+    void trayRemove() override {}
+    void SysTrayUpdate() override {}
+    void setCategoryCaption(int, const QString &) override {}
+
+    QString counters[8];
+};
+
+QByteArray digest(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QCryptographicHash::hash(file.readAll(), QCryptographicHash::Sha256)
+                                          : QByteArray();
+}
+} // namespace
+
+class TestDatabaseFiles : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void unusableFiles_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<QStringList>("failing"); // procedures that must log their failure
+        const QStringList everyLoad = {"DBInitADO", "DBInit", "DBInitAlarmCatSetup", "DBInitAlarmPriSetup", "InitLables"};
+        QTest::newRow("foreign") << "foreign" << everyLoad;
+        QTest::newRow("corrupt") << "corrupt" << QStringList{"DBInit", "DBInitAlarmCatSetup", "DBInitAlarmPriSetup"};
+        QTest::newRow("read-only") << "read-only" << QStringList{};
+    }
+    void unusableFiles()
+    {
+        QFETCH(QString, kind);
+        QFETCH(QStringList, failing);
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("EMAILFAX.MDE"));
+        prepare(kind, dir.path(), path);
+        const QByteArray before = digest(path);
+
+        resetGlobals();
+        g.gstrAppPath = dir.path();
+        Log log(dir.path());
+        log.writeStartRecord(QString());
+        EmailFaxServer server(log);
+        HeadlessWindow window;
+        server.setPort(&window);
+        server.Form_Load();
+
+        const QStringList lines = log.lstStatus()->stringList();
+        for (const QString &procedure : failing) {
+            const QString tag = QStringLiteral(" (") + procedure + QStringLiteral(")");
+            QVERIFY2(std::any_of(lines.begin(), lines.end(),
+                                 [&](const QString &l) { return l.startsWith(QLatin1String("ErrorHandler ")) && l.endsWith(tag); }),
+                     qPrintable(procedure + QStringLiteral(" not logged in: ") + lines.join(u'\n')));
+        }
+        if (kind == QLatin1String("foreign"))
+            QVERIFY(lines.contains(QStringLiteral("ErrorHandler -2147467259: Unrecognized database format '") + path +
+                                   QStringLiteral("'. (DBInitADO)")));
+
+        // Alerts are still taken and dispatched.
+        clsAlertCls chamber;
+        QVERIFY(chamber.ServerCmd(QStringLiteral("V"), 1, QString()));
+        QVERIFY(chamber.SendAlert(QStringLiteral("1|2;C;d;On;c;m;s;l|9;msg|1;2;3;4|5;6;7;8|5005|t")));
+        QCOMPARE(server.lists().lvwMsgQue.count(), 1);
+        server.dispatcher().TimerMsgQue_Timer();
+        QCOMPARE(server.lists().lvwMsgQue.count(), 0);
+        if (kind == QLatin1String("read-only")) // held, but the write is refused and logged
+            QVERIFY(log.lstStatus()->stringList().last().endsWith(QLatin1String(" (DBAddAlmMsg)")));
+
+        g.gblnServerLinked = false;
+        server.unload(EmailFaxServer::ByCode);
+        QCOMPARE(digest(path), before);
+        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
+    }
+
+private:
+    void prepare(const QString &kind, const QString &folder, const QString &path)
+    {
+        if (kind == QLatin1String("foreign")) {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write(QByteArray("\x00\x01\x00\x00Standard Jet DB\x00", 20) + QByteArray(4096, '\x5a'));
+            return;
+        }
+        {
+            Database fresh;
+            fresh.DBInitADO(folder);
+            fresh.run(QStringLiteral("INSERT INTO Contacts (LastName, FirstName) VALUES (?, ?)"),
+                      {QStringLiteral("Keep"), QStringLiteral("Me")});
+            // A held alarm of a category the chamber sends on: High holds nothing, so level 1 is used.
+            fresh.run(QStringLiteral("UPDATE SetupPriority SET PLevelID = '1'"));
+        }
+        if (kind == QLatin1String("corrupt")) {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::ReadWrite));
+            file.seek(4096); // page 1 (the schema) stays; every table page after it is garbage
+            file.write(QByteArray(int(file.size() - 4096), '\xff'));
+        } else {
+            QVERIFY(QFile::setPermissions(path, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther));
+        }
+    }
+};
+
+QTEST_MAIN(TestDatabaseFiles)
+#include "tst_database_files.moc"
