@@ -1,0 +1,57 @@
+#pragma once
+// The chamber side of the intake bench: one bus connection that creates and links an alert object (starting the
+// server), times series of blocking calls on it, reads the server's memory, and unlinks.
+
+#include "LatencyStats.h"
+#include "SignalCounter.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QString>
+#include <sys/types.h>
+
+class IntakeBench
+{
+public:
+    explicit IntakeBench(const QString &address);
+    ~IntakeBench();
+    IntakeBench(const IntakeBench &) = delete;
+    IntakeBench &operator=(const IntakeBench &) = delete;
+
+    bool connect(QString *error);
+    // Asks the factory for an alert object (the bus starts the server when none runs), links, and looks up the
+    // server's process id.
+    bool createAndLink(QString *error);
+    // Unlinks now and waits until the server has left the bus and its process has ended; *leftAfterMs is how long
+    // that took after the unlink call returned.
+    bool unlinkAndWaitForExit(qint64 *leftAfterMs, QString *error);
+
+    // The bus's own round trip: the peer interface is answered by the server's bus library without reaching the
+    // server's event loop.
+    bool timePing(int warmUp, int calls, LatencyStats *stats, QString *error);
+    // A call that reaches the server's event loop and does nothing there: the floor for any method of the server.
+    bool timeEmptyMethod(int warmUp, int calls, LatencyStats *stats, QString *error);
+    // SendAlert with one alert text; each call queues one alert in the server and brings back one AlertReady.
+    bool timeSendAlert(const QString &alert, int warmUp, int calls, LatencyStats *stats, QString *error);
+
+    pid_t serverPid() const { return m_serverPid; }
+    // Lets the server settle for a moment, then reads its VmRSS in KiB (-1 when unreadable).
+    qint64 settledServerRssKiB(int settleMs);
+
+private:
+    QDBusMessage alertCall(const QString &method) const;
+    bool serverCmd(qint16 command, QString *error);
+    // Times `calls` blocking calls of one message after `warmUp` untimed ones. The client handles its incoming
+    // events between calls, outside the timed call but inside the series' wall time, as a chamber program would.
+    bool timeSeries(const QDBusMessage &call, int warmUp, int calls, qint64 eventsPerCall, LatencyStats *stats,
+                    QString *error);
+    // Runs the event loop until `expected` events were counted or timeoutMs passed.
+    bool awaitEvents(qint64 expected, int timeoutMs);
+
+    QString m_address;
+    QString m_connectionName;
+    QDBusConnection m_connection;
+    SignalCounter m_events;
+    QString m_path;
+    pid_t m_serverPid = 0;
+};
