@@ -11,10 +11,7 @@ ListStore::ListStore(const QString &name) : m_name(name)
 
 void ListStore::addColumn(const QString &caption, int widthTwips)
 {
-    const int column = m_model.columnCount();
-    m_model.setColumnCount(column + 1);
-    m_model.setHeaderData(column, Qt::Horizontal, caption);
-    m_model.setHeaderData(column, Qt::Horizontal, widthTwips, WidthRole);
+    m_model.appendColumn(caption, widthTwips);
 }
 
 QString ListStore::header(int column) const
@@ -42,36 +39,28 @@ int ListStore::add(const QString &text)
 
 int ListStore::add(const QStringList &columns)
 {
-    if (columns.size() > qMax(1, columnCount()))
-        raise(Err::InvalidPropertyValue);
-    QList<QStandardItem *> items;
     const int n = qMax(1, columnCount());
-    items.reserve(n);
-    for (int c = 0; c < n; ++c) {
-        auto *item = new QStandardItem(c < columns.size() ? columns.at(c) : QString());
-        item->setEditable(false);
-        items.append(item);
-    }
-    m_model.appendRow(items);
-    return m_model.rowCount();
+    if (columns.size() > n)
+        raise(Err::InvalidPropertyValue);
+    QStringList row = columns;
+    while (row.size() < n)
+        row.append(QString());
+    m_model.appendRow(std::move(row));
+    return count();
 }
 
 QString ListStore::text(int row, int column) const
 {
     checkRow(row);
     checkColumn(column);
-    const QStandardItem *item = m_model.item(row - 1, column - 1);
-    return item ? item->text() : QString();
+    return m_model.cell(row - 1, column - 1);
 }
 
 void ListStore::setText(int row, int column, const QString &text)
 {
     checkRow(row);
     checkColumn(column);
-    if (QStandardItem *item = m_model.item(row - 1, column - 1))
-        item->setText(text);
-    else
-        m_model.setItem(row - 1, column - 1, new QStandardItem(text));
+    m_model.setCell(row - 1, column - 1, text);
 }
 
 QStringList ListStore::row(int row) const
@@ -79,19 +68,19 @@ QStringList ListStore::row(int row) const
     checkRow(row);
     QStringList columns;
     for (int c = 1; c <= columnCount(); ++c)
-        columns.append(text(row, c));
+        columns.append(m_model.cell(row - 1, c - 1));
     return columns;
 }
 
 void ListStore::remove(int row)
 {
     checkRow(row);
-    m_model.removeRow(row - 1);
+    m_model.removeRowAt(row - 1);
 }
 
 void ListStore::clear()
 {
-    m_model.removeRows(0, m_model.rowCount());
+    m_model.clearRows();
 }
 
 void ListStore::checkRow(int row) const

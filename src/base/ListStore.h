@@ -1,8 +1,9 @@
 #pragma once
 // One report-style list (a queue, a history or a contact list) as the rest of the system sees it: rows and columns
-// numbered from 1, column 1 being the row's own text. The rows live in a QStandardItemModel that the window shows.
+// numbered from 1, column 1 being the row's own text. The rows live in a ListModel that the window shows.
 
-#include <QStandardItemModel>
+#include "ListModel.h"
+
 #include <QString>
 
 namespace osprel {
@@ -10,14 +11,13 @@ namespace osprel {
 class ListStore
 {
 public:
-    // The header role that carries a column's width in twips (0 hides the column).
-    static constexpr int WidthRole = Qt::UserRole + 1;
+    static constexpr int WidthRole = ListModel::WidthRole;
 
     explicit ListStore(const QString &name);
 
     const QString &name() const { return m_name; }
-    QStandardItemModel *model() { return &m_model; }
-    const QStandardItemModel *model() const { return &m_model; }
+    ListModel *model() { return &m_model; }
+    const ListModel *model() const { return &m_model; }
 
     void addColumn(const QString &caption, int widthTwips);
     int columnCount() const { return m_model.columnCount(); }
@@ -42,7 +42,7 @@ private:
     void checkColumn(int column) const;
 
     QString m_name;
-    QStandardItemModel m_model;
+    ListModel m_model;
 };
 
 } // namespace osprel

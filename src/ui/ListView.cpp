@@ -1,23 +1,34 @@
 #include "ListView.h"
 
+#include "CoalescedModel.h"
 #include "ListStore.h"
 
 #include <QHeaderView>
 
 namespace osprel {
 
-ListView::ListView(ListStore &store, QWidget *parent) : QTreeView(parent)
+ListView::ListView(ListStore &store, Refresh refresh, QWidget *parent) : QTableView(parent)
 {
     setObjectName(store.name());
-    setModel(store.model());
-    setRootIsDecorated(false);
-    setUniformRowHeights(true); // the queues can hold many thousand rows
+    QAbstractItemModel *model = store.model();
+    if (refresh == Refresh::Coalesced)
+        model = new CoalescedModel(model, this);
+    setModel(model);
+    // A report list: one line a row, whole-row selection, no grid and no row numbers.
+    setShowGrid(false);
+    setWordWrap(false);
     setAlternatingRowColors(true);
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setSelectionMode(QAbstractItemView::SingleSelection);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
-    header()->setStretchLastSection(false);
-    connect(store.model(), &QAbstractItemModel::columnsInserted, this, &ListView::applyWidths);
+    setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
+    horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    horizontalHeader()->setHighlightSections(false);
+    connect(model, &QAbstractItemModel::columnsInserted, this, &ListView::applyWidths);
+    connect(model, &QAbstractItemModel::modelReset, this, &ListView::applyWidths);
     applyWidths();
 }
 

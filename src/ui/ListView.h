@@ -1,18 +1,20 @@
 #pragma once
 // A report-style list view over one ListStore: column widths come from the store in twips, a width of 0 hides the
-// column.
+// column. Busy lists (the queues and the histories) take their rows through a CoalescedModel.
 
-#include <QTreeView>
+#include <QTableView>
 
 namespace osprel {
 
 class ListStore;
 
-class ListView : public QTreeView
+class ListView : public QTableView
 {
     Q_OBJECT
 public:
-    ListView(ListStore &store, QWidget *parent = nullptr);
+    enum class Refresh { Immediate, Coalesced };
+
+    ListView(ListStore &store, Refresh refresh, QWidget *parent = nullptr);
 
     // Twips to logical pixels (15 twips a pixel at 100%; Qt scales logical pixels for the screen).
     static int twipsToPixels(int twips) { return twips / 15; }

@@ -12,7 +12,7 @@
 #include <QSignalSpy>
 #include <QTabBar>
 #include <QTemporaryDir>
-#include <QTreeView>
+#include <QTableView>
 #include <QtTest>
 
 using namespace osprel;
@@ -86,7 +86,7 @@ private Q_SLOTS:
         QCOMPARE(lists.lvwHist[1].header(7), QStringLiteral("Alarm Occurred"));
         QCOMPARE(lists.lvwHist[1].widthTwips(7), 1750);
         QCOMPARE(lists.lvwMsgQue.widthTwips(4), 3000);
-        auto *emailQueue = m_window->findChild<QTreeView *>(QStringLiteral("lvwSendEmailQue"));
+        auto *emailQueue = m_window->findChild<QTableView *>(QStringLiteral("lvwSendEmailQue"));
         QVERIFY(emailQueue->isColumnHidden(6)); // HistData carries data only
         QCOMPARE(emailQueue->columnWidth(0), 1750 / 15);
 

@@ -13,7 +13,7 @@ HistoryPage::HistoryPage(int index, FormLists &lists, QWidget *parent) : QFrame(
 {
     setObjectName(QStringLiteral("Frame1(%1)").arg(index));
     auto *layout = new QVBoxLayout(this);
-    layout->addWidget(new ListView(lists.lvwHist[index], this), 1);
+    layout->addWidget(new ListView(lists.lvwHist[index], ListView::Refresh::Coalesced, this), 1);
     auto *buttons = new QHBoxLayout;
     cmdClear = new QPushButton(tr("Clear History"), this);
     cmdClear->setObjectName(QStringLiteral("cmdClear(%1)").arg(index));

@@ -48,7 +48,7 @@ QueuePanel::QueuePanel(FormLists &lists, Log &log, QWidget *parent) : QTabWidget
     labels->addWidget(Label1);
     labels->addStretch(1);
     incomingLayout->addWidget(fraEmailFaxQue);
-    incomingLayout->addWidget(lvwMsgQue = new ListView(lists.lvwMsgQue, incoming), 1);
+    incomingLayout->addWidget(lvwMsgQue = new ListView(lists.lvwMsgQue, ListView::Refresh::Coalesced, incoming), 1);
     fraMsgQue = new QFrame(incoming);
     fraMsgQue->setObjectName(QStringLiteral("fraMsgQue"));
     auto *tests = new QHBoxLayout(fraMsgQue);
@@ -68,12 +68,12 @@ QueuePanel::QueuePanel(FormLists &lists, Log &log, QWidget *parent) : QTabWidget
     Label7 = new QLabel(tr("E-mail send queue"), email);
     Label7->setObjectName(QStringLiteral("Label7"));
     email->addWidget(Label7);
-    email->addWidget(lvwSendEmailQue = new ListView(lists.lvwSendEmailQue, email));
+    email->addWidget(lvwSendEmailQue = new ListView(lists.lvwSendEmailQue, ListView::Refresh::Coalesced, email));
     email->addWidget(lstEmailStatus = statusList(log.lstEmailStatus(), "lstEmailStatus", email));
     addTab(email, tr("E-mail Queue"));
 
     auto *fax = new QSplitter(Qt::Vertical, this);
-    fax->addWidget(lvwSendFaxQue = new ListView(lists.lvwSendFaxQue, fax));
+    fax->addWidget(lvwSendFaxQue = new ListView(lists.lvwSendFaxQue, ListView::Refresh::Coalesced, fax));
     fax->addWidget(lstFaxStatus = statusList(log.lstFaxStatus(), "lstFaxStatus", fax));
     addTab(fax, tr("Fax Queue"));
 }
