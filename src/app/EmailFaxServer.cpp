@@ -4,12 +4,16 @@
 #include "Clock.h"
 #include "DBInit.h"
 #include "Dispatcher.h"
+#include "EmailQueue.h"
 #include "ErrorReport.h"
 #include "FormPort.h"
 #include "Globals.h"
 #include "Log.h"
 #include "PriorityStore.h"
 #include "RecipientString.h"
+#include "SendStatus.h"
+#include "SmtpClient.h"
+#include "TrayState.h"
 #include "Values.h"
 
 namespace osprel {
@@ -43,10 +47,15 @@ EmailFaxServer::~EmailFaxServer()
 void EmailFaxServer::setPort(FormPort *port)
 {
     m_port = port;
+    const auto sendStatUpdate = [this] { m_sendStatus->SendStatUpdate(); };
+    m_smtp = std::make_unique<SmtpClient>(*port, sendStatUpdate);
+    m_tray = std::make_unique<TrayState>(*port);
+    m_sendStatus = std::make_unique<SendStatus>(m_lists, m_timers, m_database, m_link, *m_smtp, *m_tray, *port);
+    m_emailQueue = std::make_unique<EmailQueue>(m_lists, m_timers, m_database, *m_smtp, *port);
     m_priorities = std::make_unique<PriorityStore>(m_database, *port);
     m_alarms = std::make_unique<AlarmQueue>(m_database, m_lists, m_timers, *port);
     m_dispatcher = std::make_unique<Dispatcher>(m_lists, m_timers, *m_priorities, *m_alarms, *port, m_link,
-                                                [this] { m_sendStatus.SendStatUpdate(); });
+                                                sendStatUpdate);
 }
 
 FormPort &EmailFaxServer::port()
@@ -154,7 +163,9 @@ bool EmailFaxServer::Form_Unload()
         }
         m_link.StopQueueTimers();
         m_database.close();
-        // The SMTP socket and the fax device are closed here as their subsystems arrive.
+        if (m_smtp && m_smtp->wsockctlState() == 7)
+            m_smtp->abort();
+        // The fax device is closed here as its subsystem arrives.
         port().trayRemove();
         m_timers.tmrServer.setInterval(0);
         m_timers.tmrServer.stop();

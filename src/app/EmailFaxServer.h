@@ -6,7 +6,6 @@
 #include "Database.h"
 #include "FormLists.h"
 #include "FormTimers.h"
-#include "SendStatus.h"
 #include "ServerForm.h"
 
 #include <QObject>
@@ -16,6 +15,10 @@ namespace osprel {
 
 class AlarmQueue;
 class Dispatcher;
+class EmailQueue;
+class SendStatus;
+class SmtpClient;
+class TrayState;
 class FormPort;
 class Log;
 class PriorityStore;
@@ -36,7 +39,10 @@ public:
     AlertLink &link() { return m_link; }
     Log &log() { return m_log; }
     Database &database() { return m_database; }
-    SendStatus &sendStatus() { return m_sendStatus; }
+    SendStatus &sendStatus() { return *m_sendStatus; }
+    SmtpClient &smtp() { return *m_smtp; }
+    EmailQueue &emailQueue() { return *m_emailQueue; }
+    TrayState &tray() { return *m_tray; }
     PriorityStore &priorities() { return *m_priorities; }
     AlarmQueue &alarms() { return *m_alarms; }
     Dispatcher &dispatcher() { return *m_dispatcher; }
@@ -74,7 +80,10 @@ private:
     FormTimers m_timers;
     AlertLink m_link;
     Database m_database;
-    SendStatus m_sendStatus;
+    std::unique_ptr<SmtpClient> m_smtp;
+    std::unique_ptr<TrayState> m_tray;
+    std::unique_ptr<SendStatus> m_sendStatus;
+    std::unique_ptr<EmailQueue> m_emailQueue;
     std::unique_ptr<PriorityStore> m_priorities;
     std::unique_ptr<AlarmQueue> m_alarms;
     std::unique_ptr<Dispatcher> m_dispatcher;

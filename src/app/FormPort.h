@@ -2,14 +2,21 @@
 // What the start-up and shutdown procedures need of the main window, named for what they do to it, together with
 // the ports of the subsystems the window serves.
 
+#include "EmailQueuePort.h"
 #include "PriorityPort.h"
+#include "StatusPort.h"
 #include "StorePort.h"
+#include "TrayPort.h"
 
 #include <QString>
 
 namespace osprel {
 
-class FormPort : public StorePort, public PriorityPort
+class FormPort : public StorePort,
+                 public PriorityPort,
+                 public EmailQueuePort,
+                 public StatusPort,
+                 public TrayPort
 {
 public:
 
@@ -24,9 +31,7 @@ public:
     // Selects the first tab, clears lblContactErr and shows the queue lists and their labels.
     virtual void showStartPage() = 0;
 
-    // The window itself.
-    virtual void setWindowImage(int image) = 0; // 1 normal, 2 sent, 3 failed
-    virtual void setCaption(const QString &caption) = 0;
+    // The window itself (its icon and caption come with the tray port).
     virtual void showWindow() = 0;
     virtual void hideWindow() = 0;
     // Window state normal, brought to the foreground and shown.
@@ -35,7 +40,6 @@ public:
     // The notification-area icon.
     virtual void trayAdd(const QString &tip) = 0;
     virtual void trayRemove() = 0;
-    virtual void SysTrayUpdate() = 0;
 
     // lblErrCata(index).
     virtual void setCategoryCaption(int index, const QString &caption) = 0;

@@ -55,6 +55,13 @@ void ListModel::appendRow(QStringList columns)
     endInsertRows();
 }
 
+void ListModel::insertRowAt(int row, QStringList columns)
+{
+    beginInsertRows(QModelIndex(), row, row);
+    m_rows.insert(m_rows.begin() + row, std::move(columns));
+    endInsertRows();
+}
+
 const QString &ListModel::cell(int row, int column) const
 {
     static const QString empty;

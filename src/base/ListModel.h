@@ -27,6 +27,7 @@ public:
     // Storage, 0-based; callers check the bounds.
     void appendColumn(const QString &caption, int widthTwips);
     void appendRow(QStringList columns);
+    void insertRowAt(int row, QStringList columns);
     const QString &cell(int row, int column) const;
     void setCell(int row, int column, const QString &text);
     void removeRowAt(int row);

@@ -39,14 +39,24 @@ int ListStore::add(const QString &text)
 
 int ListStore::add(const QStringList &columns)
 {
+    insert(count() + 1, columns);
+    return count();
+}
+
+void ListStore::insert(int before, const QStringList &columns)
+{
     const int n = qMax(1, columnCount());
     if (columns.size() > n)
         raise(Err::InvalidPropertyValue);
+    if (before < 1 || before > count() + 1)
+        raise(Err::IndexOutOfBounds);
     QStringList row = columns;
     while (row.size() < n)
         row.append(QString());
-    m_model.appendRow(std::move(row));
-    return count();
+    if (before == count() + 1)
+        m_model.appendRow(std::move(row));
+    else
+        m_model.insertRowAt(before - 1, std::move(row));
 }
 
 QString ListStore::text(int row, int column) const

@@ -31,6 +31,8 @@ public:
     int add(const QString &text = QString());
     // Appends a row with all its columns at once (missing ones empty).
     int add(const QStringList &columns);
+    // Inserts a row before row `before` (1 puts it at the top; count() + 1 appends).
+    void insert(int before, const QStringList &columns);
     QString text(int row, int column = 1) const;
     void setText(int row, int column, const QString &text);
     QStringList row(int row) const;

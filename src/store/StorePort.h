@@ -13,7 +13,7 @@ struct CommSettings
     QString txtMailServer, txtFrom, txtFromName, txtFaxStation;
 };
 
-class StorePort : public SendSwitches
+class StorePort : public virtual SendSwitches
 {
 public:
     virtual void setCommSettings(const CommSettings &settings) = 0;

@@ -1,6 +1,8 @@
 #include "MainWindow.h"
 
 #include "EmailFaxServer.h"
+#include "EmailQueue.h"
+#include "SendStatus.h"
 #include "ErrorReport.h"
 #include "ImageList.h"
 #include "ListView.h"
@@ -13,6 +15,7 @@
 #include "pages/RecipientsPage.h"
 #include "pages/StatusPanel.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QDesktopServices>
@@ -21,6 +24,8 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QMenu>
+#include <QMessageBox>
+#include <QRadioButton>
 #include <QPushButton>
 #include <QSplitter>
 #include <QSystemTrayIcon>
@@ -111,6 +116,14 @@ MainWindow::MainWindow(EmailFaxServer &server, Log &log, QWidget *parent)
         guarded(QStringLiteral("cmdViewLogFile_Click"),
                 [this] { QDesktopServices::openUrl(QUrl::fromLocalFile(m_log.logPath())); });
     });
+    connect(m_commSetup->cmdTestEmail, &QPushButton::clicked, this, [this] { m_server.emailQueue().cmdTestEmail_Click(); });
+    connect(m_commSetup->chkEnableEmail, &QCheckBox::clicked, this,
+            [this] { m_server.emailQueue().chkEnableEmail_Click(); });
+    for (int i = 0; i < 2; ++i) {
+        connect(m_history[i]->cmdClear, &QPushButton::clicked, this, [this, i] { m_server.sendStatus().cmdClear_Click(i); });
+        connect(m_queues->cmdClearQueue[i], &QPushButton::clicked, this,
+                [this, i] { m_server.sendStatus().cmdClearQueue_Click(i); });
+    }
     connect(&log, &Log::functErrChanged, m_lblDumpStrFunctErr, &QLabel::setText);
     connect(&log, &Log::appended, this, [this](QStringListModel *model) {
         // The newest entry of a status list stays selected.
@@ -368,6 +381,65 @@ void MainWindow::setLblQueuedAlarms(int index, const QString &caption)
     if (index < 0 || index > 7)
         osprel::raise(Err::IndexOutOfBounds);
     m_alarmSetup->lblQueuedAlarms[index]->setText(caption);
+}
+
+QString MainWindow::txtFrom() const
+{
+    return m_commSetup->txtFrom->text();
+}
+
+QString MainWindow::txtMailServer() const
+{
+    return m_commSetup->txtMailServer->text();
+}
+
+bool MainWindow::optSMTP() const
+{
+    return m_commSetup->optSMTP->isChecked();
+}
+
+QString MainWindow::txtTestEMailTo() const
+{
+    return m_commSetup->txtTestEMailTo->text();
+}
+
+QString MainWindow::txtTestEMailSubject() const
+{
+    return m_commSetup->txtTestEMailSubject->text();
+}
+
+QString MainWindow::txtTestEMailMessage() const
+{
+    return m_commSetup->txtTestEMailMessage->text();
+}
+
+void MainWindow::setTxtTestEmailProg(const QString &text)
+{
+    m_commSetup->txtTestEmailProg->setText(text);
+}
+
+void MainWindow::setTxtTestFaxProg(const QString &text)
+{
+    m_commSetup->txtTestFaxProg->setText(text);
+}
+
+void MainWindow::setEmailListEnabled(bool enabled)
+{
+    auto *list = findChild<QWidget *>(QStringLiteral("lvwEmailContacts"));
+    list->setEnabled(enabled);
+    QPalette palette = list->palette();
+    palette.setColor(QPalette::Base, enabled ? QApplication::palette().color(QPalette::Base)
+                                             : QApplication::palette().color(QPalette::Button));
+    list->setPalette(palette);
+}
+
+void MainWindow::showMessage(const QString &title, const QString &text)
+{
+    // Modeless to the event loop: timers, the bus and the sockets go on while the box is up.
+    auto *box = new QMessageBox(QMessageBox::Warning, title, text, QMessageBox::Ok, this);
+    box->setObjectName(QStringLiteral("messageBox"));
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
 }
 
 void MainWindow::selectCategoryLevel(int index, int level)

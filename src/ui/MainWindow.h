@@ -57,6 +57,17 @@ public:
     void setChkEnableFax(bool checked) override;
     QString lblQueuedAlarms(int index) const override;
     void setLblQueuedAlarms(int index, const QString &caption) override;
+    // EmailQueuePort and StatusPort
+    QString txtFrom() const override;
+    QString txtMailServer() const override;
+    bool optSMTP() const override;
+    QString txtTestEMailTo() const override;
+    QString txtTestEMailSubject() const override;
+    QString txtTestEMailMessage() const override;
+    void setTxtTestEmailProg(const QString &text) override;
+    void setTxtTestFaxProg(const QString &text) override;
+    void setEmailListEnabled(bool enabled) override;
+    void showMessage(const QString &title, const QString &text) override;
     // PriorityPort
     void selectCategoryLevel(int index, int level) override;
     void showLevelDefinitions(const LevelRecord (&levels)[3]) override;

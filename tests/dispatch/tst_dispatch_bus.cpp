@@ -16,6 +16,7 @@
 #include <QDBusMessage>
 #include <QDBusPendingCall>
 #include <QSqlQuery>
+#include <QTcpServer>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -51,13 +52,17 @@ private Q_SLOTS:
         resetGlobals();
         QTemporaryDir home;
         g.gstrAppPath = home.path();
+        // A mail server that takes the connection and never answers: the e-mail jobs stay queued to be counted.
+        QTcpServer silentMailServer;
+        QVERIFY(silentMailServer.listen(QHostAddress::LocalHost));
         {
             Database setup;
             setup.DBInitADO(home.path());
             setup.run(QStringLiteral("INSERT INTO Contacts (LastName, FirstName, EMailEnabled, FaxEnabled, EmailName,"
                                      " FaxNumber) VALUES (?, ?, 1, 1, ?, ?), (?, ?, 0, 1, NULL, ?)"),
                       {"Doe", "Jo", "jo@lab", "5550001111", "Roe", "Al", "5550002222"});
-            setup.run(QStringLiteral("UPDATE SetupComm SET FaxEnabledAtBoot = 1"));
+            setup.run(QStringLiteral("UPDATE SetupComm SET FaxEnabledAtBoot = 1, EmailServer = ?"),
+                      {QStringLiteral("127.0.0.1:") + QString::number(silentMailServer.serverPort())});
         }
         Log log(home.path());
         EmailFaxServer server(log);

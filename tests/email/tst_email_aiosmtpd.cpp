@@ -3,6 +3,7 @@
 
 #include "FakeEmailPort.h"
 #include "Globals.h"
+#include "LocalSmtpServer.h"
 #include "Log.h"
 #include "SmtpClient.h"
 
@@ -16,26 +17,6 @@
 
 using namespace osprel;
 
-namespace {
-// Debian's interpreter: the python3 first on the PATH of these machines does not see Debian's Python packages.
-const QString kPython = QStringLiteral("/usr/bin/python3");
-
-quint16 freePort()
-{
-    QTcpServer server;
-    return server.listen(QHostAddress::LocalHost, 0) ? server.serverPort() : 0;
-}
-
-bool accepts(quint16 port)
-{
-    QTcpSocket socket;
-    socket.connectToHost(QHostAddress::LocalHost, port);
-    const bool connected = socket.waitForConnected(200);
-    socket.abort();
-    return connected;
-}
-} // namespace
-
 class TestAiosmtpd : public QObject
 {
     Q_OBJECT
@@ -48,25 +29,14 @@ private Q_SLOTS:
         log.writeStartRecord(QStringLiteral("start"));
         resetGlobals();
 
-        const quint16 port = freePort();
-        QVERIFY(port != 0);
-        const QString maildir = dir.filePath(QStringLiteral("maildir"));
-        QProcess server;
-        server.setProcessChannelMode(QProcess::MergedChannels);
-        server.start(kPython, {QStringLiteral("-m"), QStringLiteral("aiosmtpd"), QStringLiteral("-n"),
-                               QStringLiteral("-l"), QStringLiteral("127.0.0.1:") + QString::number(port),
-                               QStringLiteral("-c"), QStringLiteral("aiosmtpd.handlers.Mailbox"), maildir});
-        const auto stop = qScopeGuard([&server] {
-            server.kill();
-            server.waitForFinished(5000);
-        });
         // Without aiosmtpd (package python3-aiosmtpd) the server exits at once and the test fails here.
-        QTRY_VERIFY_WITH_TIMEOUT(server.state() == QProcess::NotRunning || accepts(port), 15000);
-        QVERIFY2(server.state() == QProcess::Running, server.readAll().constData());
+        LocalSmtpServer server;
+        QString error;
+        QVERIFY2(server.start(&error), qPrintable(error));
 
         FakeEmailPort settings;
         settings.from = QStringLiteral("osprel@chamber.test");
-        settings.server = QStringLiteral("127.0.0.1:") + QString::number(port);
+        settings.server = server.address();
         QList<qint16> statesAtUpdate;
         SmtpClient client(settings, [&statesAtUpdate] { statesAtUpdate << g.gintEmailSendState; });
 
@@ -82,14 +52,9 @@ private Q_SLOTS:
         QCOMPARE(log.lstEmailStatus()->stringList().filter(QStringLiteral("Error")), QStringList());
         QVERIFY(log.lstEmailStatus()->stringList().contains(QStringLiteral("*** E-Mail sent successfully.")));
 
-        QDir stored(maildir + QStringLiteral("/new"));
-        QTRY_COMPARE_WITH_TIMEOUT(stored.entryList(QDir::Files).size(), 1, 5000);
-        QFile file(stored.filePath(stored.entryList(QDir::Files).first()));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        const QString message = QString::fromUtf8(file.readAll()).replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-        const qsizetype split = message.indexOf(QStringLiteral("\n\n"));
-        QVERIFY(split > 0);
-        const QStringList headers = message.left(split).split(u'\n');
+        QTRY_COMPARE_WITH_TIMEOUT(server.messages().size(), 1, 5000);
+        const StoredMessage message = StoredMessage::parse(server.messages().first());
+        const QStringList &headers = message.headers;
         QVERIFY2(headers.contains(QStringLiteral("From: osprel@chamber.test")), qPrintable(headers.join(u'|')));
         QVERIFY(headers.contains(QStringLiteral("Subject: Chamber 3 Chamber Notification: CHAMBER_ALARM")));
         QCOMPARE(headers.filter(QRegularExpression(QStringLiteral("^TO: "))),
@@ -98,7 +63,7 @@ private Q_SLOTS:
         QVERIFY(headers.contains(QStringLiteral("X-MailFrom: osprel@chamber.test")));
         QVERIFY(headers.contains(QStringLiteral("X-RcptTo: ops@chamber.test, lab@chamber.test")));
         // The end mark opens with a line end of its own, so a body that ends with one gains an empty last line.
-        QCOMPARE(message.mid(split + 2), bodyLines.join(u'\n') + QStringLiteral("\n\n"));
+        QCOMPARE(message.body, bodyLines.join(u'\n') + QStringLiteral("\n\n"));
     }
 };
 

@@ -4,7 +4,7 @@
 #include "Database.h"
 #include "Dispatcher.h"
 #include "EmailFaxServer.h"
-#include "FormPort.h"
+#include "HeadlessWindow.h"
 #include "Globals.h"
 #include "Log.h"
 #include "clsAlertCls.h"
@@ -16,40 +16,6 @@
 using namespace osprel;
 
 namespace {
-// A window with nothing on it: the server's procedures only need somewhere to put their values.
-class HeadlessWindow : public FormPort
-{
-public:
-    bool chkEnableEmail() const override { return true; }
-    bool chkEnableFax() const override { return true; }
-    void setCommSettings(const CommSettings &) override {}
-    void setChkEnableEmail(bool) override {}
-    void setChkEnableFax(bool) override {}
-    QString lblQueuedAlarms(int i) const override { return counters[i]; }
-    void setLblQueuedAlarms(int i, const QString &c) override { counters[i] = c; }
-    void selectCategoryLevel(int, int) override {}
-    void showLevelDefinitions(const LevelRecord (&)[3]) override {}
-    void setPlacement(int, int) override {}
-    void setTestFields(const QString &, const QString &, const QString &, const QString &, const QString &,
-                       const QString &) override {}
-    void setServiceControlsVisible(bool) override {}
-    void appendAppVersion(const QString &) override {}
-    void frameSetup() override {}
-    void TabSet(const QString &) override {}
-    void showStartPage() override {}
-    void setWindowImage(int) override {}
-    void setCaption(const QString &) override {}
-    void showWindow() override {}
-    void hideWindow() override {}
-    void restoreWindow() override {}
-    void trayAdd(const QString &) override {}
-    void trayRemove() override {}
-    void SysTrayUpdate() override {}
-    void setCategoryCaption(int, const QString &) override {}
-
-    QString counters[8];
-};
-
 QByteArray digest(const QString &path)
 {
     QFile file(path);

@@ -5,6 +5,8 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
 
 namespace osprel {
 
@@ -33,6 +35,20 @@ CommSetupPage::CommSetupPage(QWidget *parent) : QFrame(parent)
     emailForm->addRow(tr("Test: send to:"), txtTestEMailTo = lineEdit(email, "txtTestEMailTo"));
     emailForm->addRow(tr("Test subject:"), txtTestEMailSubject = lineEdit(email, "txtTestEMailSubject"));
     emailForm->addRow(tr("Test message:"), txtTestEMailMessage = lineEdit(email, "txtTestEMailMessage"));
+    cmdTestEmail = new QPushButton(tr("Send Test Email"), email);
+    cmdTestEmail->setObjectName(QStringLiteral("cmdTestEmail"));
+    emailForm->addRow(cmdTestEmail, txtTestEmailProg = lineEdit(email, "txtTestEmailProg"));
+    txtTestEmailProg->setReadOnly(true);
+    optSMTP = new QRadioButton(tr("SMTP"), email);
+    optSMTP->setObjectName(QStringLiteral("optSMTP"));
+    optMAPI = new QRadioButton(tr("System mail"), email);
+    optMAPI->setObjectName(QStringLiteral("optMAPI"));
+    // The transport is chosen once, at installation: OSPREL_MAIL_TRANSPORT=sendmail hands mail to the system.
+    (qEnvironmentVariable("OSPREL_MAIL_TRANSPORT") == QLatin1String("sendmail") ? optMAPI : optSMTP)->setChecked(true);
+    auto *transport = new QHBoxLayout;
+    transport->addWidget(optSMTP);
+    transport->addWidget(optMAPI);
+    emailForm->addRow(transport);
     layout->addWidget(email);
 
     auto *fax = new QGroupBox(tr("Fax"), this);
@@ -46,6 +62,10 @@ CommSetupPage::CommSetupPage(QWidget *parent) : QFrame(parent)
     faxForm->addRow(tr("Test: name:"), txtTestRcpFName = lineEdit(fax, "txtTestRcpFName"));
     faxForm->addRow(tr("Test: fax number:"), txtTestFaxNumber = lineEdit(fax, "txtTestFaxNumber"));
     faxForm->addRow(tr("Test message:"), txtTestFaxMessage = lineEdit(fax, "txtTestFaxMessage"));
+    cmdTestFax = new QPushButton(tr("Send Test Fax"), fax);
+    cmdTestFax->setObjectName(QStringLiteral("cmdTestFax"));
+    faxForm->addRow(cmdTestFax, txtTestFaxProg = lineEdit(fax, "txtTestFaxProg"));
+    txtTestFaxProg->setReadOnly(true);
     layout->addWidget(fax);
 }
 

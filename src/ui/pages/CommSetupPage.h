@@ -5,6 +5,8 @@
 
 class QCheckBox;
 class QLineEdit;
+class QPushButton;
+class QRadioButton;
 
 namespace osprel {
 
@@ -18,6 +20,9 @@ public:
     QCheckBox *chkEnableEmail, *chkEnableFax;
     QLineEdit *txtTestEMailTo, *txtTestEMailSubject, *txtTestEMailMessage;
     QLineEdit *txtTestRcpFName, *txtTestFaxNumber, *txtTestFaxMessage;
+    QLineEdit *txtTestEmailProg, *txtTestFaxProg;
+    QPushButton *cmdTestEmail, *cmdTestFax;
+    QRadioButton *optSMTP, *optMAPI; // the mail transport: the server's own SMTP client or the system's mail
 };
 
 } // namespace osprel

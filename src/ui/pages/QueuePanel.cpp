@@ -70,11 +70,13 @@ QueuePanel::QueuePanel(FormLists &lists, Log &log, QWidget *parent) : QTabWidget
     email->addWidget(Label7);
     email->addWidget(lvwSendEmailQue = new ListView(lists.lvwSendEmailQue, ListView::Refresh::Coalesced, email));
     email->addWidget(lstEmailStatus = statusList(log.lstEmailStatus(), "lstEmailStatus", email));
+    email->addWidget(cmdClearQueue[0] = button("cmdClearQueue(0)", tr("Clear Queue"), email));
     addTab(email, tr("E-mail Queue"));
 
     auto *fax = new QSplitter(Qt::Vertical, this);
     fax->addWidget(lvwSendFaxQue = new ListView(lists.lvwSendFaxQue, ListView::Refresh::Coalesced, fax));
     fax->addWidget(lstFaxStatus = statusList(log.lstFaxStatus(), "lstFaxStatus", fax));
+    fax->addWidget(cmdClearQueue[1] = button("cmdClearQueue(1)", tr("Clear Queue"), fax));
     addTab(fax, tr("Fax Queue"));
 }
 

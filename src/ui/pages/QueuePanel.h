@@ -26,6 +26,7 @@ public:
     QLabel *Label1, *Label7, *Label8;
     QFrame *fraMsgQue, *fraEmailFaxQue;
     QPushButton *cmdEnableTimer, *cmdAddErr, *cmdSendFax, *cmdShutUp;
+    QPushButton *cmdClearQueue[2]; // 0 e-mail, 1 fax
 };
 
 } // namespace osprel

@@ -1,0 +1,129 @@
+// From alarm to inbox: alerts handed in over a real private bus reach every e-mail recipient through a real SMTP
+// server (Debian's aiosmtpd); the outcome is in the history list and table, and the chamber program hears of each
+// delivered e-mail as AlertStatus.
+
+#include "BusServer.h"
+#include "Database.h"
+#include "EmailFaxServer.h"
+#include "Globals.h"
+#include "LocalSmtpServer.h"
+#include "Log.h"
+#include "MainWindow.h"
+#include "PrivateBus.h"
+#include "TimeScale.h"
+
+#include <QDBusMessage>
+#include <QDBusObjectPath>
+#include <QDBusVariant>
+#include <QDBusPendingCall>
+#include <QSqlQuery>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace osprel;
+
+namespace {
+const QString kService = QStringLiteral("org.osprel.EmailFax");
+const QString kAlertInterface = QStringLiteral("org.osprel.EmailFax.clsAlertCls");
+
+class EventRecorder : public QObject
+{
+    Q_OBJECT
+public:
+    QList<QDBusMessage> events;
+public Q_SLOTS:
+    void record(const QDBusMessage &message) { events.append(message); }
+};
+} // namespace
+
+class TestEmailE2E : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void alertsReachTheInbox()
+    {
+        LocalSmtpServer smtp;
+        QString error;
+        QVERIFY2(smtp.start(&error), qPrintable(error));
+
+        TimeScale::setFactor(0.05);
+        resetGlobals();
+        QTemporaryDir home;
+        g.gstrAppPath = home.path();
+        {
+            Database setup;
+            setup.DBInitADO(home.path());
+            setup.run(QStringLiteral("INSERT INTO Contacts (LastName, FirstName, EMailEnabled, EmailName)"
+                                     " VALUES ('Doe', 'Jo', 1, 'jo@lab.test'), ('O''Neil', 'Sam', 1, 'sam@lab.test')"));
+            setup.run(QStringLiteral("UPDATE SetupComm SET EmailServer = ?, EmailReturnAddress = ?"),
+                      {smtp.address(), QStringLiteral("emailfax@chamber.test")});
+        }
+        Log log(home.path());
+        EmailFaxServer server(log);
+        MainWindow window(server, log);
+        server.setPort(&window);
+        server.Form_Load();
+        QCOMPARE(g.gstrEmailRecipients, QStringLiteral("jo@lab.test; sam@lab.test; "));
+
+        PrivateBus bus(PrivateBus::serverEnvironment(home.path(), 0.05));
+        QVERIFY2(bus.start(&error), qPrintable(error));
+        BusServer busServer(bus.connect(QStringLiteral("server")));
+        QVERIFY2(busServer.start(&error), qPrintable(error));
+
+        QDBusConnection chamber = bus.connect(QStringLiteral("chamber"));
+        QDBusPendingCall create = chamber.asyncCall(QDBusMessage::createMethodCall(
+            kService, QStringLiteral("/"), QStringLiteral("org.osprel.EmailFax.Factory"), QStringLiteral("CreateObject")));
+        QTRY_VERIFY(create.isFinished());
+        const QString path = create.reply().arguments().value(0).value<QDBusObjectPath>().path();
+        EventRecorder statuses;
+        chamber.connect(QString(), path, kAlertInterface, QStringLiteral("AlertStatus"), &statuses,
+                        SLOT(record(QDBusMessage)));
+        auto call = [&](const QString &method, const QVariantList &arguments) {
+            QDBusMessage message = QDBusMessage::createMethodCall(kService, path, kAlertInterface, method);
+            message.setArguments(arguments);
+            QDBusPendingCall pending = chamber.asyncCall(message);
+            return QTest::qWaitFor([&] { return pending.isFinished(); }, 5000) &&
+                   pending.reply().arguments().value(0).toBool();
+        };
+        QVERIFY(call(QStringLiteral("ServerCmd"), {QStringLiteral("Vantor32"), QVariant::fromValue<short>(1),
+                                                   QVariant::fromValue(QDBusVariant(QString()))}));
+        for (const char *id : {"101", "102"}) {
+            QVERIFY(call(QStringLiteral("SendAlert"),
+                         {QString::fromLatin1(id) + QStringLiteral("|4;Chamber 4;Walk-in;On;QLM V;T/H;Running;Yes|"
+                                                                   "999;CH1 actual high|85;91;100;0|60;58;40;0|5005|9:55 pm")}));
+        }
+
+        QTRY_COMPARE_WITH_TIMEOUT(statuses.events.size(), 2, 15000);
+        for (int i = 0; i < 2; ++i) {
+            QCOMPARE(statuses.events.at(i).signature(), QStringLiteral("inb"));
+            QCOMPARE(statuses.events.at(i).arguments(), QVariantList({101 + i, short(1), true}));
+        }
+
+        QTRY_COMPARE(smtp.messages().size(), 2);
+        const StoredMessage first = StoredMessage::parse(smtp.messages().first());
+        QVERIFY(first.headers.contains(QStringLiteral("From: emailfax@chamber.test")));
+        QVERIFY(first.headers.contains(QStringLiteral("Subject: Chamber 4 Chamber Notification: CHAMBER_ALARM")));
+        QCOMPARE(first.headers.filter(QRegularExpression(QStringLiteral("^TO: "))),
+                 QStringList({"TO: jo@lab.test", "TO: sam@lab.test"}));
+        const QStringList body = first.body.split(u'\n');
+        QCOMPARE(body.size(), 27 + 2); // 27 lines, and the empty line the end mark adds
+        QCOMPARE(body.at(0), QStringLiteral("Chamber Notification"));
+        QCOMPARE(body.at(3), QStringLiteral("\tAlert ID: 101"));
+        QCOMPARE(body.at(26), QStringLiteral("\tCH2 Cool/Dehumidify PID: 0"));
+
+        // History: newest on top in the list, both rows in the table.
+        const ListStore &history = server.lists().lvwHist[0];
+        QCOMPARE(history.count(), 2);
+        QCOMPARE(history.row(1).mid(1), QStringList({"Sent", "Chamber 4", "jo@lab.test; sam@lab.test; ", "CH1 actual high",
+                                                     "CHAMBER_ALARM", "9:55 pm", "102"}));
+        QSqlQuery rows = server.database().run(QStringLiteral("SELECT group_concat(AlarmID || ':' || Status) FROM"
+                                                              " (SELECT * FROM EmailHistory ORDER BY rowid)"));
+        QVERIFY(rows.next());
+        QCOMPARE(rows.value(0).toString(), QStringLiteral("101:Sent,102:Sent"));
+        QVERIFY(server.lists().lvwSendEmailQue.isEmpty());
+        TimeScale::setFactor(1);
+    }
+};
+
+QTEST_MAIN(TestEmailE2E)
+#include "tst_email_e2e.moc"
