@@ -2,6 +2,7 @@
 
 #include "AlarmQueue.h"
 #include "Clock.h"
+#include "CommSetup.h"
 #include "DBInit.h"
 #include "Dispatcher.h"
 #include "EmailQueue.h"
@@ -9,7 +10,9 @@
 #include "FormPort.h"
 #include "Globals.h"
 #include "Log.h"
+#include "PrioritySetup.h"
 #include "PriorityStore.h"
+#include "Recipients.h"
 #include "RecipientString.h"
 #include "SendStatus.h"
 #include "SmtpClient.h"
@@ -56,6 +59,9 @@ void EmailFaxServer::setPort(FormPort *port)
     m_alarms = std::make_unique<AlarmQueue>(m_database, m_lists, m_timers, *port);
     m_dispatcher = std::make_unique<Dispatcher>(m_lists, m_timers, *m_priorities, *m_alarms, *port, m_link,
                                                 sendStatUpdate);
+    m_recipients = std::make_unique<Recipients>(m_lists, m_database, *port);
+    m_prioritySetup = std::make_unique<PrioritySetup>(*m_priorities, *m_alarms, m_lists, m_timers, *port);
+    m_commSetup = std::make_unique<CommSetup>(m_database, *port);
 }
 
 FormPort &EmailFaxServer::port()

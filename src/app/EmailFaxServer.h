@@ -14,7 +14,10 @@
 namespace osprel {
 
 class AlarmQueue;
+class CommSetup;
 class Dispatcher;
+class PrioritySetup;
+class Recipients;
 class EmailQueue;
 class SendStatus;
 class SmtpClient;
@@ -46,6 +49,9 @@ public:
     PriorityStore &priorities() { return *m_priorities; }
     AlarmQueue &alarms() { return *m_alarms; }
     Dispatcher &dispatcher() { return *m_dispatcher; }
+    Recipients &recipients() { return *m_recipients; }
+    PrioritySetup &prioritySetup() { return *m_prioritySetup; }
+    CommSetup &commSetup() { return *m_commSetup; }
     bool isLoading() const { return m_loading; }
 
     // ServerForm
@@ -87,6 +93,9 @@ private:
     std::unique_ptr<PriorityStore> m_priorities;
     std::unique_ptr<AlarmQueue> m_alarms;
     std::unique_ptr<Dispatcher> m_dispatcher;
+    std::unique_ptr<Recipients> m_recipients;
+    std::unique_ptr<PrioritySetup> m_prioritySetup;
+    std::unique_ptr<CommSetup> m_commSetup;
     bool m_loading = false;
     bool m_unloaded = false;
 };

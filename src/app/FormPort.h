@@ -2,18 +2,20 @@
 // What the start-up and shutdown procedures need of the main window, named for what they do to it, together with
 // the ports of the subsystems the window serves.
 
+#include "CommSetup.h"
 #include "EmailQueuePort.h"
-#include "PriorityPort.h"
+#include "PrioritySetupPort.h"
+#include "RecipientsPort.h"
 #include "StatusPort.h"
-#include "StorePort.h"
 #include "TrayPort.h"
 
 #include <QString>
 
 namespace osprel {
 
-class FormPort : public StorePort,
-                 public PriorityPort,
+class FormPort : public CommSetupPort,
+                 public PrioritySetupPort,
+                 public RecipientsPort,
                  public EmailQueuePort,
                  public StatusPort,
                  public TrayPort

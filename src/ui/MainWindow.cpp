@@ -9,13 +9,19 @@
 #include "Log.h"
 #include "pages/AlarmSetupPage.h"
 #include "pages/CommSetupPage.h"
+#include "pages/ContactEditor.h"
+#include "pages/LevelFrame.h"
+#include "FormWiring.h"
+#include "PrioritySetup.h"
 #include "pages/HistoryPage.h"
 #include "pages/PriorityPage.h"
 #include "pages/QueuePanel.h"
 #include "pages/RecipientsPage.h"
+#include "pages/SetupButtons.h"
 #include "pages/StatusPanel.h"
 
 #include <QApplication>
+#include <QButtonGroup>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QDesktopServices>
@@ -68,9 +74,7 @@ MainWindow::MainWindow(EmailFaxServer &server, Log &log, QWidget *parent)
         pages->addWidget(frame, 0, 0);
 
     m_picStatus = new StatusPanel(log, m_pageArea);
-    m_picContacts = overlay("picContacts");
-    m_lblContactErr = new QLabel(m_picContacts);
-    m_lblContactErr->setObjectName(QStringLiteral("lblContactErr"));
+    m_picContacts = new ContactEditor(m_pageArea);
     m_picAdvModemSetup = overlay("picAdvModemSetup");
     auto *cmdCancelModemSetup = new QPushButton(tr("Cancel"), m_picAdvModemSetup);
     cmdCancelModemSetup->setObjectName(QStringLiteral("cmdCancelModemSetup"));
@@ -116,14 +120,12 @@ MainWindow::MainWindow(EmailFaxServer &server, Log &log, QWidget *parent)
         guarded(QStringLiteral("cmdViewLogFile_Click"),
                 [this] { QDesktopServices::openUrl(QUrl::fromLocalFile(m_log.logPath())); });
     });
-    connect(m_commSetup->cmdTestEmail, &QPushButton::clicked, this, [this] { m_server.emailQueue().cmdTestEmail_Click(); });
-    connect(m_commSetup->chkEnableEmail, &QCheckBox::clicked, this,
-            [this] { m_server.emailQueue().chkEnableEmail_Click(); });
     for (int i = 0; i < 2; ++i) {
         connect(m_history[i]->cmdClear, &QPushButton::clicked, this, [this, i] { m_server.sendStatus().cmdClear_Click(i); });
         connect(m_queues->cmdClearQueue[i], &QPushButton::clicked, this,
                 [this, i] { m_server.sendStatus().cmdClearQueue_Click(i); });
     }
+    wireForm(*this, m_server);
     connect(&log, &Log::functErrChanged, m_lblDumpStrFunctErr, &QLabel::setText);
     connect(&log, &Log::appended, this, [this](QStringListModel *model) {
         // The newest entry of a status list stays selected.
@@ -185,7 +187,8 @@ void MainWindow::setServiceControlsVisible(bool visible)
 {
     for (QWidget *w : std::initializer_list<QWidget *>{m_queues->Label1, m_queues->Label7, m_queues->Label8,
                                                        m_queues->cmdEnableTimer, m_queues->cmdAddErr,
-                                                       m_queues->cmdSendFax, m_queues->cmdShutUp, m_queues->lvwMsgQue,
+                                                       m_queues->cmdSendFax, m_queues->cmdShutUp, m_commSetup->optSMTP,
+                                                       m_commSetup->optMAPI, m_queues->lvwMsgQue,
                                                        m_queues->lvwSendEmailQue, m_queues->lvwSendFaxQue})
         w->setVisible(visible);
 }
@@ -256,7 +259,7 @@ void MainWindow::showStartPage()
          std::initializer_list<QWidget *>{m_queues, m_queues->Label7, m_queues->Label1, m_queues->fraEmailFaxQue,
                                           m_queues->lvwSendEmailQue, m_queues->lvwMsgQue, m_queues->lvwSendFaxQue})
         w->setVisible(true);
-    m_lblContactErr->clear();
+    m_picContacts->lblContactErr->clear();
 }
 
 void MainWindow::setWindowImage(int image)
@@ -451,7 +454,86 @@ void MainWindow::selectCategoryLevel(int index, int level)
 
 void MainWindow::showLevelDefinitions(const LevelRecord (&levels)[3])
 {
-    Q_UNUSED(levels); // the priority page's controls come with the settings screens
+    for (int level = 0; level < 3; ++level)
+        m_priority->fraPriorityDef[level]->showRecord(levels[level]);
+}
+
+int MainWindow::categoryOption(int index) const
+{
+    if (index < 0 || index > 7)
+        osprel::raise(Err::IndexOutOfBounds);
+    return m_alarmSetup->levelGroup[index]->checkedId();
+}
+
+LevelFrameValues MainWindow::levelFrame(int level) const
+{
+    if (level < 0 || level > 2)
+        osprel::raise(Err::IndexOutOfBounds);
+    return m_priority->fraPriorityDef[level]->values();
+}
+
+void MainWindow::setSetupPageChanged(SetupPage page, bool changed)
+{
+    if (page == SetupPage::AlarmSetup)
+        showSetupChanged(m_alarmSetup->cmdAcceptAlarmSetup, m_alarmSetup->cmdCancelAlarmSetup,
+                         m_alarmSetup->lblChangeWarning, changed);
+    else if (page == SetupPage::Priority)
+        showSetupChanged(m_priority->cmdAcceptPriority, m_priority->cmdCancelPriority, m_priority->lblChangeWarning,
+                         changed);
+    else
+        setCommSetupChanged(changed);
+}
+
+CommSettings MainWindow::commSettings() const
+{
+    return {m_commSetup->txtMailServer->text(), m_commSetup->txtFrom->text(), m_commSetup->txtFromName->text(),
+            m_commSetup->txtFaxStation->text()};
+}
+
+void MainWindow::setCommSetupChanged(bool changed)
+{
+    showSetupChanged(m_commSetup->cmdAcceptCommSetup, m_commSetup->cmdCancelCommSetup, m_commSetup->lblChangeWarning,
+                     changed);
+}
+
+void MainWindow::showContactEditor()
+{
+    m_picContacts->show();
+    m_picContacts->raise();
+}
+
+void MainWindow::hideContactEditor()
+{
+    m_picContacts->hide();
+}
+
+ContactFields MainWindow::contactFields() const
+{
+    return m_picContacts->fields();
+}
+
+void MainWindow::setContactFields(const ContactFields &fields)
+{
+    m_picContacts->setFields(fields);
+}
+
+void MainWindow::setLblContactErr(const QString &text)
+{
+    m_picContacts->lblContactErr->setText(text);
+}
+
+void MainWindow::selectMainContactRow(int row)
+{
+    QAbstractItemView *list = m_recipients->lvwMainContacts;
+    if (row <= 0)
+        list->clearSelection();
+    else
+        list->setCurrentIndex(list->model()->index(row - 1, 0));
+}
+
+QString MainWindow::currentTabCaption() const
+{
+    return m_SSTab1->tabText(m_SSTab1->currentIndex());
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

@@ -16,6 +16,7 @@ namespace osprel {
 
 class AlarmSetupPage;
 class CommSetupPage;
+class ContactEditor;
 class EmailFaxServer;
 class HistoryPage;
 class Log;
@@ -68,9 +69,31 @@ public:
     void setTxtTestFaxProg(const QString &text) override;
     void setEmailListEnabled(bool enabled) override;
     void showMessage(const QString &title, const QString &text) override;
-    // PriorityPort
+    // PriorityPort and PrioritySetupPort
     void selectCategoryLevel(int index, int level) override;
     void showLevelDefinitions(const LevelRecord (&levels)[3]) override;
+    int categoryOption(int index) const override;
+    LevelFrameValues levelFrame(int level) const override;
+    void setSetupPageChanged(SetupPage page, bool changed) override;
+    // CommSetupPort
+    CommSettings commSettings() const override;
+    void setCommSetupChanged(bool changed) override;
+    // RecipientsPort
+    void showContactEditor() override;
+    void hideContactEditor() override;
+    ContactFields contactFields() const override;
+    void setContactFields(const ContactFields &fields) override;
+    void setLblContactErr(const QString &text) override;
+    void selectMainContactRow(int row) override;
+    QString currentTabCaption() const override;
+
+    // The pages, for the wiring of their controls to the server's procedures.
+    RecipientsPage *recipientsPage() const { return m_recipients; }
+    CommSetupPage *commSetupPage() const { return m_commSetup; }
+    AlarmSetupPage *alarmSetupPage() const { return m_alarmSetup; }
+    PriorityPage *priorityPage() const { return m_priority; }
+    QueuePanel *queuePanel() const { return m_queues; }
+    ContactEditor *contactEditor() const { return m_picContacts; }
 
     QSystemTrayIcon *tray() const { return m_tray; }
 
@@ -97,8 +120,9 @@ private:
     PriorityPage *m_priority = nullptr;
     QueuePanel *m_queues = nullptr;
     StatusPanel *m_picStatus = nullptr;
-    QFrame *m_picContacts = nullptr, *m_picAdvModemSetup = nullptr, *m_picControls = nullptr;
-    QLabel *m_lblAppVersion = nullptr, *m_lblDumpStrFunctErr = nullptr, *m_lblContactErr = nullptr;
+    ContactEditor *m_picContacts = nullptr;
+    QFrame *m_picAdvModemSetup = nullptr, *m_picControls = nullptr;
+    QLabel *m_lblAppVersion = nullptr, *m_lblDumpStrFunctErr = nullptr;
     QSystemTrayIcon *m_tray = nullptr;
     QMenu *m_mPopupSys = nullptr;
 };

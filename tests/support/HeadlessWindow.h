@@ -17,9 +17,23 @@ public:
     void setChkEnableFax(bool c) override { fax = c; }
     QString lblQueuedAlarms(int i) const override { return counters.at(i); }
     void setLblQueuedAlarms(int i, const QString &c) override { counters[i] = c; }
-    // PriorityPort
+    // PriorityPort and PrioritySetupPort
     void selectCategoryLevel(int i, int l) override { levels[i] = l; }
     void showLevelDefinitions(const osprel::LevelRecord (&)[3]) override {}
+    int categoryOption(int i) const override { return levels[i]; }
+    osprel::LevelFrameValues levelFrame(int level) const override { return frames[level]; }
+    void setSetupPageChanged(osprel::SetupPage page, bool changed) override { pageChanged[int(page)] = changed; }
+    // CommSetupPort
+    osprel::CommSettings commSettings() const override { return settings; }
+    void setCommSetupChanged(bool changed) override { pageChanged[0] = changed; }
+    // RecipientsPort
+    void showContactEditor() override { editorOpen = true; }
+    void hideContactEditor() override { editorOpen = false; }
+    osprel::ContactFields contactFields() const override { return contact; }
+    void setContactFields(const osprel::ContactFields &f) override { contact = f; }
+    void setLblContactErr(const QString &t) override { contactErr = t; }
+    void selectMainContactRow(int row) override { selectedMainRow = row; }
+    QString currentTabCaption() const override { return QStringLiteral("Recipients"); }
     // EmailQueuePort and StatusPort
     QString txtFrom() const override { return settings.txtFrom; }
     QString txtMailServer() const override { return settings.txtMailServer; }
@@ -62,5 +76,11 @@ public:
     int levels[8] = {-1, -1, -1, -1, -1, -1, -1, -1};
     QString testTo, testSubject, testMessage, testEmailProg, testFaxProg, caption;
     QStringList messages;
+    osprel::LevelFrameValues frames[3];
+    bool pageChanged[3] = {};
+    bool editorOpen = false;
+    osprel::ContactFields contact;
+    QString contactErr;
+    int selectedMainRow = 0;
     int image = 0, trayUpdates = 0;
 };

@@ -1,18 +1,23 @@
 #include "AlarmSetupPage.h"
 
 #include "Conversions.h"
+#include "SetupButtons.h"
 
 #include <QButtonGroup>
 #include <QGridLayout>
 #include <QLabel>
+#include <QPushButton>
 #include <QRadioButton>
+#include <QVBoxLayout>
 
 namespace osprel {
 
 AlarmSetupPage::AlarmSetupPage(QWidget *parent) : QFrame(parent)
 {
     setObjectName(QStringLiteral("Frame1(4)"));
-    auto *layout = new QGridLayout(this);
+    auto *page = new QVBoxLayout(this);
+    auto *layout = new QGridLayout;
+    page->addLayout(layout);
     const QString headings[] = {tr("<b>Alarm category</b>"), tr("<b>High</b>"), tr("<b>Mid</b>"), tr("<b>Low</b>"),
                                 tr("<b>Ignore</b>"), tr("<b>Queued</b>")};
     for (int column = 0; column < 6; ++column)
@@ -36,9 +41,18 @@ AlarmSetupPage::AlarmSetupPage(QWidget *parent) : QFrame(parent)
             layout->addWidget(option, i + 1, level + 1, Qt::AlignCenter);
         }
         layout->addWidget(lblQueuedAlarms[i], i + 1, 5);
+        cmdClearAlmCat[i] = new QPushButton(tr("Clear"), this);
+        cmdClearAlmCat[i]->setObjectName(QStringLiteral("cmdClearAlmCat(%1)").arg(i));
+        cmdClearAlmCat[i]->setAccessibleName(tr("Clear the queued %1 alarms").arg(GetCatName(i)));
+        layout->addWidget(cmdClearAlmCat[i], i + 1, 6);
     }
-    layout->setColumnStretch(6, 1);
-    layout->setRowStretch(9, 1);
+    cmdClearAllAlmCat = new QPushButton(tr("Clear All"), this);
+    cmdClearAllAlmCat->setObjectName(QStringLiteral("cmdClearAllAlmCat"));
+    layout->addWidget(cmdClearAllAlmCat, 9, 6);
+    layout->setColumnStretch(7, 1);
+    page->addStretch(1);
+    page->addLayout(setupButtons(this, 1, "cmdAcceptAlarmSetup", "cmdCancelAlarmSetup", &cmdAcceptAlarmSetup,
+                                 &cmdCancelAlarmSetup, &lblChangeWarning));
 }
 
 void AlarmSetupPage::selectLevel(int index, int level)

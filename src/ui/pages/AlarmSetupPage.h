@@ -6,6 +6,7 @@
 
 class QButtonGroup;
 class QLabel;
+class QPushButton;
 class QRadioButton;
 
 namespace osprel {
@@ -23,6 +24,9 @@ public:
     QRadioButton *optHi[8], *optMid[8], *optLow[8], *optIgnore[8];
     QButtonGroup *levelGroup[8];
     QLabel *lblQueuedAlarms[8];
+    QPushButton *cmdClearAlmCat[8];
+    QPushButton *cmdClearAllAlmCat, *cmdAcceptAlarmSetup, *cmdCancelAlarmSetup;
+    QLabel *lblChangeWarning;
 };
 
 } // namespace osprel

@@ -7,6 +7,9 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QVBoxLayout>
+
+#include "SetupButtons.h"
 
 namespace osprel {
 
@@ -22,7 +25,9 @@ QLineEdit *lineEdit(QWidget *parent, const char *name)
 CommSetupPage::CommSetupPage(QWidget *parent) : QFrame(parent)
 {
     setObjectName(QStringLiteral("Frame1(3)"));
-    auto *layout = new QHBoxLayout(this);
+    auto *page = new QVBoxLayout(this);
+    auto *layout = new QHBoxLayout;
+    page->addLayout(layout, 1);
 
     auto *email = new QGroupBox(tr("E-mail"), this);
     auto *emailForm = new QFormLayout(email);
@@ -59,6 +64,15 @@ CommSetupPage::CommSetupPage(QWidget *parent) : QFrame(parent)
     faxForm->addRow(tr("Fax station:"), txtFaxStation = lineEdit(fax, "txtFaxStation"));
     faxForm->addRow(tr("Fax device:"), txtFaxDevice = lineEdit(fax, "txtFaxDevice"));
     txtFaxDevice->setReadOnly(true);
+    auto *device = new QHBoxLayout;
+    cmdFindDevice = new QPushButton(tr("Find Device"), fax);
+    cmdFindDevice->setObjectName(QStringLiteral("cmdFindDevice"));
+    cmdAdvSetup = new QPushButton(QStringLiteral("Setup..."), fax);
+    cmdAdvSetup->setObjectName(QStringLiteral("cmdAdvSetup"));
+    device->addWidget(cmdFindDevice);
+    device->addWidget(cmdAdvSetup);
+    device->addStretch(1);
+    faxForm->addRow(device);
     faxForm->addRow(tr("Test: name:"), txtTestRcpFName = lineEdit(fax, "txtTestRcpFName"));
     faxForm->addRow(tr("Test: fax number:"), txtTestFaxNumber = lineEdit(fax, "txtTestFaxNumber"));
     faxForm->addRow(tr("Test message:"), txtTestFaxMessage = lineEdit(fax, "txtTestFaxMessage"));
@@ -67,6 +81,8 @@ CommSetupPage::CommSetupPage(QWidget *parent) : QFrame(parent)
     faxForm->addRow(cmdTestFax, txtTestFaxProg = lineEdit(fax, "txtTestFaxProg"));
     txtTestFaxProg->setReadOnly(true);
     layout->addWidget(fax);
+    page->addLayout(setupButtons(this, 0, "cmdAcceptCommSetup", "cmdCancelCommSetup", &cmdAcceptCommSetup,
+                                 &cmdCancelCommSetup, &lblChangeWarning));
 }
 
 } // namespace osprel

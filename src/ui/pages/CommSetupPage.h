@@ -4,6 +4,7 @@
 #include <QFrame>
 
 class QCheckBox;
+class QLabel;
 class QLineEdit;
 class QPushButton;
 class QRadioButton;
@@ -23,6 +24,8 @@ public:
     QLineEdit *txtTestEmailProg, *txtTestFaxProg;
     QPushButton *cmdTestEmail, *cmdTestFax;
     QRadioButton *optSMTP, *optMAPI; // the mail transport: the server's own SMTP client or the system's mail
+    QPushButton *cmdAcceptCommSetup, *cmdCancelCommSetup, *cmdFindDevice, *cmdAdvSetup;
+    QLabel *lblChangeWarning;
 };
 
 } // namespace osprel

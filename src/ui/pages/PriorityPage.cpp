@@ -1,20 +1,28 @@
 #include "PriorityPage.h"
 
-#include <QGroupBox>
+#include "LevelFrame.h"
+#include "SetupButtons.h"
+
 #include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
 
 namespace osprel {
 
 PriorityPage::PriorityPage(QWidget *parent) : QFrame(parent)
 {
     setObjectName(QStringLiteral("Frame1(5)"));
-    auto *layout = new QHBoxLayout(this);
+    auto *layout = new QVBoxLayout(this);
+    auto *frames = new QHBoxLayout;
     const char *captions[3] = {"High Priority", "Mid Priority", "Low Priority"};
     for (int level = 0; level < 3; ++level) {
-        fraPriorityDef[level] = new QGroupBox(QString::fromLatin1(captions[level]), this);
-        fraPriorityDef[level]->setObjectName(QStringLiteral("fraPriorityDef(%1)").arg(level));
-        layout->addWidget(fraPriorityDef[level]);
+        fraPriorityDef[level] = new LevelFrame(level, QString::fromLatin1(captions[level]), this);
+        frames->addWidget(fraPriorityDef[level]);
     }
+    layout->addLayout(frames, 1);
+    layout->addLayout(setupButtons(this, 2, "cmdAcceptPriority", "cmdCancelPriority", &cmdAcceptPriority,
+                                   &cmdCancelPriority, &lblChangeWarning));
 }
 
 } // namespace osprel

@@ -1,11 +1,14 @@
 #pragma once
-// Frame1(5): the definition of each sending level, one frame per level.
+// Frame1(5): the definition of each sending level, one frame per level, with Accept and Cancel.
 
 #include <QFrame>
 
-class QGroupBox;
+class QLabel;
+class QPushButton;
 
 namespace osprel {
+
+class LevelFrame;
 
 class PriorityPage : public QFrame
 {
@@ -13,7 +16,9 @@ class PriorityPage : public QFrame
 public:
     explicit PriorityPage(QWidget *parent = nullptr);
 
-    QGroupBox *fraPriorityDef[3];
+    LevelFrame *fraPriorityDef[3];
+    QPushButton *cmdAcceptPriority, *cmdCancelPriority;
+    QLabel *lblChangeWarning;
 };
 
 } // namespace osprel
