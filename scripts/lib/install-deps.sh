@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian packages the build, the tests and the demo need, when any is missing.
-# As root it runs apt-get; otherwise it prints the one command to run and fails.
+# Installs the Debian packages the build, the tests and the demo need, when any is missing, and any further
+# packages named as arguments. As root it runs apt-get; otherwise it prints the one command to run and fails.
 set -euo pipefail
 
 packages=(
@@ -8,6 +8,7 @@ packages=(
     qt6-base-dev qt6-serialport-dev libqt6sql6-sqlite
     dbus-daemon dbus-bin
     python3-dbus-next python3-aiosmtpd
+    "$@"
 )
 
 missing=()
