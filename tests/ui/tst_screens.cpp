@@ -6,6 +6,7 @@
 #include "EmailFaxServer.h"
 #include "Globals.h"
 #include "Log.h"
+#include "AlarmQueue.h"
 #include "MainWindow.h"
 #include "TimeScale.h"
 
@@ -134,6 +135,28 @@ private Q_SLOTS:
         QVERIFY(m_window->findChild<QRadioButton *>(QStringLiteral("optHi(0)"))->isChecked());
         QCOMPARE(scalar("SELECT PLevelID FROM SetupPriority WHERE rowid = 1"), QVariant("0"));
         QVERIFY(!accept->isEnabled());
+    }
+
+    void clearButtonsAndTheTestAlarm()
+    {
+        m_server->database().run(QStringLiteral("UPDATE AlarmMsgs SET OverWrite = FALSE, Catagory = 5003 + (rowid % 2)"
+                                                " WHERE rowid <= 4"));
+        m_server->alarms().InitLables();
+        tab(QStringLiteral("Alarm Setup"));
+        QCOMPARE(label("lblQueuedAlarms(3)"), QStringLiteral("2"));
+        click("cmdClearAlmCat(3)");
+        QCOMPARE(label("lblQueuedAlarms(3)"), QStringLiteral("0"));
+        QCOMPARE(scalar("SELECT count(*) FROM AlarmMsgs WHERE OverWrite = FALSE"), QVariant(2));
+        click("cmdClearAllAlmCat");
+        QCOMPARE(scalar("SELECT count(*) FROM AlarmMsgs WHERE OverWrite = FALSE"), QVariant(0));
+
+        // The test alarm (a service button, hidden in the running window, in a frame every page switch disables)
+        // takes the road of a received alert.
+        widget("cmdAddErr")->show();
+        widget("fraMsgQue")->setEnabled(true);
+        click("cmdAddErr");
+        QCOMPARE(m_server->lists().lvwMsgQue.count(), 1);
+        QVERIFY(m_server->timers().TimerMsgQue.isActive());
     }
 
     void priorityAcceptAndCancel()
