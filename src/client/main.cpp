@@ -107,15 +107,15 @@ int main(int argc, char **argv)
 
     if (!parser.isSet(noLinkOption))
         command(1, QString());
-    for (const QString &spec : parser.values(cmdOption)) {
-        const int eq = spec.indexOf(u'=');
+    for (const QString &request : parser.values(cmdOption)) {
+        const int eq = request.indexOf(u'=');
         bool ok = false;
-        const int number = spec.left(eq < 0 ? spec.size() : eq).toInt(&ok);
+        const int number = request.left(eq < 0 ? request.size() : eq).toInt(&ok);
         if (!ok || number < -32768 || number > 32767) {
-            err(QStringLiteral("bad --cmd ") + spec);
+            err(QStringLiteral("bad --cmd ") + request);
             return 2;
         }
-        command(qint16(number), eq < 0 ? QString() : spec.mid(eq + 1));
+        command(qint16(number), eq < 0 ? QString() : request.mid(eq + 1));
     }
 
     QStringList alerts = parser.positionalArguments();
