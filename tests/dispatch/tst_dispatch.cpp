@@ -12,6 +12,7 @@
 #include "Globals.h"
 #include "Log.h"
 #include "PriorityStore.h"
+#include "StoreFixture.h"
 #include "clsAlertCls.h"
 
 #include <QSignalSpy>
@@ -35,27 +36,19 @@ class TestDispatch : public QObject
 private Q_SLOTS:
     void init()
     {
-        resetGlobals();
-        m_dir = std::make_unique<QTemporaryDir>();
-        m_log = std::make_unique<Log>(m_dir->path());
-        m_log->writeStartRecord(QString());
-        m_db = std::make_unique<Database>();
-        m_db->DBInitADO(m_dir->path());
+        m_f = std::make_unique<StoreFixture>();
         m_port = FakeStorePort();
-        m_lists = std::make_unique<FormLists>();
-        m_lists->InitColHeaders();
-        m_lists->lvwEmailContacts.add(QStringList{"Doe", "Jo", "jo@lab"});
+        m_f->lists.lvwEmailContacts.add(QStringList{"Doe", "Jo", "jo@lab"});
         for (const char *name : {"Ann", "Bob", "Cy"})
-            m_lists->lvwFaxContacts.add(QStringList{QString::fromLatin1(name), "F", QStringLiteral("555") + name});
+            m_f->lists.lvwFaxContacts.add(QStringList{QString::fromLatin1(name), "F", QStringLiteral("555") + name});
         g.gstrEmailRecipients = QStringLiteral("jo@lab; ");
-        m_timers = std::make_unique<FormTimers>();
-        m_link = std::make_unique<AlertLink>(*m_lists, *m_timers);
-        m_store = std::make_unique<PriorityStore>(*m_db, m_port);
+        m_link = std::make_unique<AlertLink>(m_f->lists, m_f->timers);
+        m_store = std::make_unique<PriorityStore>(m_f->db, m_port);
         m_store->DBInitAlarmCatSetup();
         m_store->DBInitAlarmPriSetup();
-        m_alarms = std::make_unique<AlarmQueue>(*m_db, *m_lists, *m_timers, m_port);
+        m_alarms = std::make_unique<AlarmQueue>(m_f->db, m_f->lists, m_f->timers, m_port);
         m_statusUpdates = 0;
-        m_dispatcher = std::make_unique<Dispatcher>(*m_lists, *m_timers, *m_store, *m_alarms, m_port, *m_link,
+        m_dispatcher = std::make_unique<Dispatcher>(m_f->lists, m_f->timers, *m_store, *m_alarms, m_port, *m_link,
                                                     [this] { ++m_statusUpdates; });
     }
     void cleanup()
@@ -65,10 +58,7 @@ private Q_SLOTS:
         m_alarms.reset();
         m_store.reset();
         m_link.reset();
-        m_timers.reset();
-        m_lists.reset();
-        m_db.reset();
-        m_log.reset();
+        m_f.reset();
     }
 
     void eachAlertIsJudgedByItsLevel_data()
@@ -98,22 +88,22 @@ private Q_SLOTS:
             m_store->level(level).Immediate = immediate;
             m_store->level(level).OnceEvery = interval;
         }
-        m_lists->lvwMsgQue.add(QStringList{QString(), alert(QStringLiteral("42"), QStringLiteral("6")), QString(), "6"});
+        m_f->lists.lvwMsgQue.add(QStringList{QString(), alert(QStringLiteral("42"), QStringLiteral("6")), QString(), "6"});
         m_dispatcher->TimerMsgQue_Timer();
-        QCOMPARE(m_lists->lvwMsgQue.count(), 0);
-        QCOMPARE(m_lists->lvwSendEmailQue.count(), emailJobs);
-        QCOMPARE(m_lists->lvwSendFaxQue.count(), faxJobs);
+        QCOMPARE(m_f->lists.lvwMsgQue.count(), 0);
+        QCOMPARE(m_f->lists.lvwSendEmailQue.count(), emailJobs);
+        QCOMPARE(m_f->lists.lvwSendFaxQue.count(), faxJobs);
         if (emailJobs) {
-            const QStringList job = m_lists->lvwSendEmailQue.row(1);
+            const QStringList job = m_f->lists.lvwSendEmailQue.row(1);
             QCOMPARE(job.mid(2), QStringList({"Chamber 4", "jo@lab; ", "0", "PROGRAM_ALARM",
                                               "42|Chamber 4|CH1 high|PROGRAM_ALARM|9:55 pm", "42"}));
             QVERIFY(job.at(1).startsWith(QLatin1String("Chamber Notification\r\n")));
         }
         if (faxJobs)
-            QCOMPARE(m_lists->lvwSendFaxQue.row(3).mid(3), QStringList({"555Cy", "0", "PROGRAM_ALARM",
+            QCOMPARE(m_f->lists.lvwSendFaxQue.row(3).mid(3), QStringList({"555Cy", "0", "PROGRAM_ALARM",
                                                                          "42|Chamber 4|CH1 high|PROGRAM_ALARM|9:55 pm",
                                                                          "Cy", "F", "42"}));
-        QSqlQuery held = m_db->run(QStringLiteral("SELECT Priority, Catagory, ErrID FROM AlarmMsgs WHERE OverWrite = FALSE"));
+        QSqlQuery held = m_f->db.run(QStringLiteral("SELECT Priority, Catagory, ErrID FROM AlarmMsgs WHERE OverWrite = FALSE"));
         if (heldUnder < 0) {
             QVERIFY(!held.next());
         } else {
@@ -130,7 +120,7 @@ private Q_SLOTS:
     {
         m_port.email = false;
         for (int i = 1; i <= 3; ++i)
-            m_lists->lvwMsgQue.add(QStringList{QString(), alert(QString::number(i), "5005"), QString(), "5005"});
+            m_f->lists.lvwMsgQue.add(QStringList{QString(), alert(QString::number(i), "5005"), QString(), "5005"});
         clsAlertCls chamber;
         QSignalSpy status(&chamber, &clsAlertCls::ServerStatus);
         m_dispatcher->TimerMsgQue_Timer(); // nobody linked: no event, but the status refresh runs
@@ -139,28 +129,28 @@ private Q_SLOTS:
         QVERIFY(m_link->Open_Link(&chamber));
         g.gintEmailSendState = 1;
         m_dispatcher->TimerMsgQue_Timer();
-        QCOMPARE(m_lists->lvwMsgQue.count(), 1);
-        QCOMPARE(m_lists->lvwSendEmailQue.count(), 0);
-        QCOMPARE(m_lists->lvwSendFaxQue.count(), 6);
+        QCOMPARE(m_f->lists.lvwMsgQue.count(), 1);
+        QCOMPARE(m_f->lists.lvwSendEmailQue.count(), 0);
+        QCOMPARE(m_f->lists.lvwSendFaxQue.count(), 6);
         QCOMPARE(status.count(), 1);
         QCOMPARE(status.at(0), QVariantList({true, qint16(1), qint16(0)}));
     }
 
     void aMalformedAlertCannotHoldBackTheQueue()
     {
-        m_lists->lvwMsgQue.add(QStringList{QString(), QStringLiteral("1|x|y|z|w|99999|t"), QString(), "99999"});
-        m_lists->lvwMsgQue.add(QStringList{QString(), alert("2", "5005"), QString(), "5005"});
+        m_f->lists.lvwMsgQue.add(QStringList{QString(), QStringLiteral("1|x|y|z|w|99999|t"), QString(), "99999"});
+        m_f->lists.lvwMsgQue.add(QStringList{QString(), alert("2", "5005"), QString(), "5005"});
         for (int tick = 1; tick < Dispatcher::kMaxHeadFailures; ++tick) {
             m_dispatcher->TimerMsgQue_Timer();
-            QCOMPARE(m_lists->lvwMsgQue.count(), 2); // tried again on the next tick
+            QCOMPARE(m_f->lists.lvwMsgQue.count(), 2); // tried again on the next tick
         }
-        QCOMPARE(m_log->lstStatus()->stringList().at(0), QStringLiteral("ErrorHandler 6: Overflow (TimerMsgQue_Timer)"));
+        QCOMPARE(m_f->log->lstStatus()->stringList().at(0), QStringLiteral("ErrorHandler 6: Overflow (TimerMsgQue_Timer)"));
         m_dispatcher->TimerMsgQue_Timer();
-        QCOMPARE(m_lists->lvwMsgQue.count(), 1);
-        QVERIFY(m_log->lstStatus()->stringList().last().contains(QLatin1String("1|x|y|z|w|99999|t")));
+        QCOMPARE(m_f->lists.lvwMsgQue.count(), 1);
+        QVERIFY(m_f->log->lstStatus()->stringList().last().contains(QLatin1String("1|x|y|z|w|99999|t")));
         m_dispatcher->TimerMsgQue_Timer();
-        QCOMPARE(m_lists->lvwMsgQue.count(), 0);
-        QCOMPARE(m_lists->lvwSendEmailQue.count(), 1);
+        QCOMPARE(m_f->lists.lvwMsgQue.count(), 0);
+        QCOMPARE(m_f->lists.lvwSendEmailQue.count(), 1);
     }
 
     void summaryReportsFollowTheClock()
@@ -174,41 +164,37 @@ private Q_SLOTS:
         low.OnceEveryDayHour = 8;
         low.OnceEveryHourMin = 30;
         auto hold = [this](const QString &number) {
-            m_lists->lvwMsgQue.add(QStringList{QString(), alert(number, "5003"), QString(), "5003"});
+            m_f->lists.lvwMsgQue.add(QStringList{QString(), alert(number, "5003"), QString(), "5003"});
             m_dispatcher->TimerMsgQue_Timer();
         };
         hold(QStringLiteral("1"));
         hold(QStringLiteral("2"));
         m_dispatcher->TimerDBAlarms_Timer();
-        QCOMPARE(m_lists->lvwSendEmailQue.count(), 0);
+        QCOMPARE(m_f->lists.lvwSendEmailQue.count(), 0);
         now = now.addSecs(1);
         m_dispatcher->TimerDBAlarms_Timer();
-        QCOMPARE(m_lists->lvwSendEmailQue.count(), 1);
-        QVERIFY(m_lists->lvwSendEmailQue.text(1, 2).startsWith(
+        QCOMPARE(m_f->lists.lvwSendEmailQue.count(), 1);
+        QVERIFY(m_f->lists.lvwSendEmailQue.text(1, 2).startsWith(
             QLatin1String("# Vantor 32 Daily Report #\r\n# Low Priority Setting #\r\n\r\nChamber Notification")));
-        QVERIFY(m_lists->lvwSendEmailQue.text(1, 2).indexOf(QLatin1String("Alert ID: 2")) <
-                m_lists->lvwSendEmailQue.text(1, 2).indexOf(QLatin1String("Alert ID: 1")));
+        QVERIFY(m_f->lists.lvwSendEmailQue.text(1, 2).indexOf(QLatin1String("Alert ID: 2")) <
+                m_f->lists.lvwSendEmailQue.text(1, 2).indexOf(QLatin1String("Alert ID: 1")));
         hold(QStringLiteral("3"));
         now = now.addSecs(30);
         m_dispatcher->TimerDBAlarms_Timer(); // same minute: not again
-        QCOMPARE(m_lists->lvwSendEmailQue.count(), 1);
+        QCOMPARE(m_f->lists.lvwSendEmailQue.count(), 1);
         now = now.addDays(1);
         m_dispatcher->TimerDBAlarms_Timer(); // the next day, but no tick outside the minute has re-armed it yet
-        QCOMPARE(m_lists->lvwSendEmailQue.count(), 1);
+        QCOMPARE(m_f->lists.lvwSendEmailQue.count(), 1);
         now = now.addSecs(60);
         m_dispatcher->TimerDBAlarms_Timer();
         now = now.addSecs(-60);
         m_dispatcher->TimerDBAlarms_Timer();
-        QCOMPARE(m_lists->lvwSendEmailQue.count(), 2);
+        QCOMPARE(m_f->lists.lvwSendEmailQue.count(), 2);
     }
 
 private:
-    std::unique_ptr<QTemporaryDir> m_dir;
-    std::unique_ptr<Log> m_log;
-    std::unique_ptr<Database> m_db;
+    std::unique_ptr<StoreFixture> m_f;
     FakeStorePort m_port;
-    std::unique_ptr<FormLists> m_lists;
-    std::unique_ptr<FormTimers> m_timers;
     std::unique_ptr<AlertLink> m_link;
     std::unique_ptr<PriorityStore> m_store;
     std::unique_ptr<AlarmQueue> m_alarms;

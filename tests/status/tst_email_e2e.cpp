@@ -2,39 +2,14 @@
 // server (Debian's aiosmtpd); the outcome is in the history list and table, and the chamber program hears of each
 // delivered e-mail as AlertStatus.
 
-#include "BusServer.h"
-#include "Database.h"
-#include "EmailFaxServer.h"
 #include "Globals.h"
+#include "InProcessServer.h"
 #include "LocalSmtpServer.h"
-#include "Log.h"
-#include "MainWindow.h"
-#include "PrivateBus.h"
-#include "TimeScale.h"
 
-#include <QDBusMessage>
-#include <QDBusObjectPath>
-#include <QDBusVariant>
-#include <QDBusPendingCall>
 #include <QSqlQuery>
-#include <QTemporaryDir>
 #include <QtTest>
 
 using namespace osprel;
-
-namespace {
-const QString kService = QStringLiteral("org.osprel.EmailFax");
-const QString kAlertInterface = QStringLiteral("org.osprel.EmailFax.clsAlertCls");
-
-class EventRecorder : public QObject
-{
-    Q_OBJECT
-public:
-    QList<QDBusMessage> events;
-public Q_SLOTS:
-    void record(const QDBusMessage &message) { events.append(message); }
-};
-} // namespace
 
 class TestEmailE2E : public QObject
 {
@@ -45,58 +20,26 @@ private Q_SLOTS:
         LocalSmtpServer smtp;
         QString error;
         QVERIFY2(smtp.start(&error), qPrintable(error));
-
-        TimeScale::setFactor(0.05);
-        resetGlobals();
-        QTemporaryDir home;
-        g.gstrAppPath = home.path();
-        {
-            Database setup;
-            setup.DBInitADO(home.path());
-            setup.run(QStringLiteral("INSERT INTO Contacts (LastName, FirstName, EMailEnabled, EmailName)"
-                                     " VALUES ('Doe', 'Jo', 1, 'jo@lab.test'), ('O''Neil', 'Sam', 1, 'sam@lab.test')"));
-            setup.run(QStringLiteral("UPDATE SetupComm SET EmailServer = ?, EmailReturnAddress = ?"),
-                      {smtp.address(), QStringLiteral("emailfax@chamber.test")});
-        }
-        Log log(home.path());
-        EmailFaxServer server(log);
-        MainWindow window(server, log);
-        server.setPort(&window);
-        server.Form_Load();
+        InProcessServer fixture(0.05);
+        QVERIFY2(fixture.start([&](Database &db) {
+            db.run(QStringLiteral("INSERT INTO Contacts (LastName, FirstName, EMailEnabled, EmailName)"
+                                  " VALUES ('Doe', 'Jo', 1, 'jo@lab.test'), ('O''Neil', 'Sam', 1, 'sam@lab.test')"));
+            db.run(QStringLiteral("UPDATE SetupComm SET EmailServer = ?, EmailReturnAddress = ?"),
+                   {smtp.address(), QStringLiteral("emailfax@chamber.test")});
+        }, &error), qPrintable(error));
         QCOMPARE(g.gstrEmailRecipients, QStringLiteral("jo@lab.test; sam@lab.test; "));
-
-        PrivateBus bus(PrivateBus::serverEnvironment(home.path(), 0.05));
-        QVERIFY2(bus.start(&error), qPrintable(error));
-        BusServer busServer(bus.connect(QStringLiteral("server")));
-        QVERIFY2(busServer.start(&error), qPrintable(error));
-
-        QDBusConnection chamber = bus.connect(QStringLiteral("chamber"));
-        QDBusPendingCall create = chamber.asyncCall(QDBusMessage::createMethodCall(
-            kService, QStringLiteral("/"), QStringLiteral("org.osprel.EmailFax.Factory"), QStringLiteral("CreateObject")));
-        QTRY_VERIFY(create.isFinished());
-        const QString path = create.reply().arguments().value(0).value<QDBusObjectPath>().path();
-        EventRecorder statuses;
-        chamber.connect(QString(), path, kAlertInterface, QStringLiteral("AlertStatus"), &statuses,
-                        SLOT(record(QDBusMessage)));
-        auto call = [&](const QString &method, const QVariantList &arguments) {
-            QDBusMessage message = QDBusMessage::createMethodCall(kService, path, kAlertInterface, method);
-            message.setArguments(arguments);
-            QDBusPendingCall pending = chamber.asyncCall(message);
-            return QTest::qWaitFor([&] { return pending.isFinished(); }, 5000) &&
-                   pending.reply().arguments().value(0).toBool();
-        };
-        QVERIFY(call(QStringLiteral("ServerCmd"), {QStringLiteral("Vantor32"), QVariant::fromValue<short>(1),
-                                                   QVariant::fromValue(QDBusVariant(QString()))}));
+        QVERIFY(fixture.link());
         for (const char *id : {"101", "102"}) {
-            QVERIFY(call(QStringLiteral("SendAlert"),
-                         {QString::fromLatin1(id) + QStringLiteral("|4;Chamber 4;Walk-in;On;QLM V;T/H;Running;Yes|"
-                                                                   "999;CH1 actual high|85;91;100;0|60;58;40;0|5005|9:55 pm")}));
+            QVERIFY(fixture.sendAlert(QString::fromLatin1(id) +
+                                      QStringLiteral("|4;Chamber 4;Walk-in;On;QLM V;T/H;Running;Yes|999;CH1 actual high|"
+                                                     "85;91;100;0|60;58;40;0|5005|9:55 pm")));
         }
 
-        QTRY_COMPARE_WITH_TIMEOUT(statuses.events.size(), 2, 15000);
+        QTRY_COMPARE_WITH_TIMEOUT(fixture.events(QStringLiteral("AlertStatus")).size(), 2, 15000);
+        const QList<QDBusMessage> statuses = fixture.events(QStringLiteral("AlertStatus"));
         for (int i = 0; i < 2; ++i) {
-            QCOMPARE(statuses.events.at(i).signature(), QStringLiteral("inb"));
-            QCOMPARE(statuses.events.at(i).arguments(), QVariantList({101 + i, short(1), true}));
+            QCOMPARE(statuses.at(i).signature(), QStringLiteral("inb"));
+            QCOMPARE(statuses.at(i).arguments(), QVariantList({101 + i, short(1), true}));
         }
 
         QTRY_COMPARE(smtp.messages().size(), 2);
@@ -112,6 +55,7 @@ private Q_SLOTS:
         QCOMPARE(body.at(26), QStringLiteral("\tCH2 Cool/Dehumidify PID: 0"));
 
         // History: newest on top in the list, both rows in the table.
+        EmailFaxServer &server = fixture.server();
         const ListStore &history = server.lists().lvwHist[0];
         QCOMPARE(history.count(), 2);
         QCOMPARE(history.row(1).mid(1), QStringList({"Sent", "Chamber 4", "jo@lab.test; sam@lab.test; ", "CH1 actual high",
@@ -121,7 +65,6 @@ private Q_SLOTS:
         QVERIFY(rows.next());
         QCOMPARE(rows.value(0).toString(), QStringLiteral("101:Sent,102:Sent"));
         QVERIFY(server.lists().lvwSendEmailQue.isEmpty());
-        TimeScale::setFactor(1);
     }
 };
 

@@ -11,6 +11,7 @@
 #include "Log.h"
 #include "SendStatus.h"
 #include "SmtpClient.h"
+#include "StoreFixture.h"
 #include "TrayState.h"
 
 #include <QSqlQuery>
@@ -26,26 +27,18 @@ class TestEmailQueue : public QObject
 private Q_SLOTS:
     void init()
     {
-        resetGlobals();
-        m_dir = std::make_unique<QTemporaryDir>();
-        m_log = std::make_unique<Log>(m_dir->path());
-        m_log->writeStartRecord(QString());
-        m_db = std::make_unique<Database>();
-        m_db->DBInitADO(m_dir->path());
-        m_lists = std::make_unique<FormLists>();
-        m_lists->InitColHeaders();
-        m_lists->lvwEmailContacts.add(QStringList{"Doe", "Jo", "jo@lab"});
+        m_f = std::make_unique<StoreFixture>();
+        m_f->lists.lvwEmailContacts.add(QStringList{"Doe", "Jo", "jo@lab"});
         g.gstrEmailRecipients = QStringLiteral("jo@lab; ");
-        m_timers = std::make_unique<FormTimers>();
         m_window = std::make_unique<HeadlessWindow>();
         QVERIFY(m_silent.listen(QHostAddress::LocalHost)); // takes connections, never answers
         m_window->settings.txtMailServer = QStringLiteral("127.0.0.1:") + QString::number(m_silent.serverPort());
         m_window->settings.txtFrom = QStringLiteral("emailfax@lab");
-        m_link = std::make_unique<AlertLink>(*m_lists, *m_timers);
+        m_link = std::make_unique<AlertLink>(m_f->lists, m_f->timers);
         m_smtp = std::make_unique<SmtpClient>(*m_window, [this] { m_status->SendStatUpdate(); });
         m_tray = std::make_unique<TrayState>(*m_window);
-        m_status = std::make_unique<SendStatus>(*m_lists, *m_timers, *m_db, *m_link, *m_smtp, *m_tray, *m_window);
-        m_queue = std::make_unique<EmailQueue>(*m_lists, *m_timers, *m_db, *m_smtp, *m_window);
+        m_status = std::make_unique<SendStatus>(m_f->lists, m_f->timers, m_f->db, *m_link, *m_smtp, *m_tray, *m_window);
+        m_queue = std::make_unique<EmailQueue>(m_f->lists, m_f->timers, m_f->db, *m_smtp, *m_window);
     }
     void cleanup()
     {
@@ -53,44 +46,45 @@ private Q_SLOTS:
         m_status.reset();
         m_smtp.reset();
         m_silent.close();
-        m_log.reset();
+        m_link.reset();
+        m_f.reset();
     }
 
     void aJobWaitsUntilItCanGo()
     {
-        m_lists->lvwSendEmailQue.add(QStringList{"t", "body", "Chamber 4", "jo@lab; ", "0", "CHAMBER_ALARM",
+        m_f->lists.lvwSendEmailQue.add(QStringList{"t", "body", "Chamber 4", "jo@lab; ", "0", "CHAMBER_ALARM",
                                                  " 7 | Chamber 4 | high | CHAMBER_ALARM | 9:55 pm ", "7"});
         m_window->email = false;
         m_queue->TimerEmailMsgQue_Timer();
         m_window->email = true;
-        m_lists->lvwEmailContacts.clear();
+        m_f->lists.lvwEmailContacts.clear();
         m_queue->TimerEmailMsgQue_Timer();
         QCOMPARE(g.gintEmailSendState, qint16(0));
-        QVERIFY(m_lists->lvwHist[0].isEmpty());
+        QVERIFY(m_f->lists.lvwHist[0].isEmpty());
 
-        m_lists->lvwEmailContacts.add(QStringList{"Doe", "Jo", "jo@lab"});
+        m_f->lists.lvwEmailContacts.add(QStringList{"Doe", "Jo", "jo@lab"});
         for (int i = 1; i <= 101; ++i)
-            m_lists->lvwHist[0].add(QStringList{QStringLiteral("old %1").arg(i)});
-        m_timers->TimerEmailMsgQue.start();
+            m_f->lists.lvwHist[0].add(QStringList{QStringLiteral("old %1").arg(i)});
+        m_f->timers.TimerEmailMsgQue.start();
         m_queue->TimerEmailMsgQue_Timer();
         QCOMPARE(g.gintEmailSendState, qint16(1));
-        QVERIFY(!m_timers->TimerEmailMsgQue.isActive());
+        QVERIFY(!m_f->timers.TimerEmailMsgQue.isActive());
         QCOMPARE(m_smtp->SmtpState(), qint16(1));
         // The 101 old rows lost their 50 oldest before the new row went on top.
-        QCOMPARE(m_lists->lvwHist[0].count(), 52);
-        QCOMPARE(m_lists->lvwHist[0].row(1).mid(1),
+        QCOMPARE(m_f->lists.lvwHist[0].count(), 52);
+        QCOMPARE(m_f->lists.lvwHist[0].row(1).mid(1),
                  QStringList({"Sending", "Chamber 4", "jo@lab; ", "high", "CHAMBER_ALARM", "9:55 pm", "7"}));
-        QCOMPARE(m_lists->lvwHist[0].text(52), QStringLiteral("old 51"));
-        QVERIFY(m_log->lstEmailStatus()->stringList().contains(
+        QCOMPARE(m_f->lists.lvwHist[0].text(52), QStringLiteral("old 51"));
+        QVERIFY(m_f->log->lstEmailStatus()->stringList().contains(
             QStringLiteral("****         Sending New EMail             ****")));
 
         // Nothing answers: the send is given up after 60 refreshes and the job stays at the head for its retry.
         for (int tick = 0; tick < SendStatus::kEmailGiveUpTicks + 1; ++tick)
             m_status->SendStatUpdate();
-        QCOMPARE(m_lists->lvwHist[0].text(1, 2), QStringLiteral("Attempt 1 Failed"));
+        QCOMPARE(m_f->lists.lvwHist[0].text(1, 2), QStringLiteral("Attempt 1 Failed"));
         QCOMPARE(m_smtp->SmtpState(), qint16(0));
-        QCOMPARE(m_lists->lvwSendEmailQue.count(), 1);
-        QVERIFY(m_timers->TimerEmailMsgQue.isActive());
+        QCOMPARE(m_f->lists.lvwSendEmailQue.count(), 1);
+        QVERIFY(m_f->timers.TimerEmailMsgQue.isActive());
     }
 
     void theTestEmailNeedsAnAddressAndNothingElse()
@@ -115,17 +109,13 @@ private Q_SLOTS:
         m_window->email = false;
         m_queue->chkEnableEmail_Click();
         QVERIFY(!m_window->emailListEnabled);
-        QSqlQuery stored = m_db->run(QStringLiteral("SELECT EmailEnabledAtBoot FROM SetupComm"));
+        QSqlQuery stored = m_f->db.run(QStringLiteral("SELECT EmailEnabledAtBoot FROM SetupComm"));
         QVERIFY(stored.next());
         QCOMPARE(stored.value(0).toInt(), 0);
     }
 
 private:
-    std::unique_ptr<QTemporaryDir> m_dir;
-    std::unique_ptr<Log> m_log;
-    std::unique_ptr<Database> m_db;
-    std::unique_ptr<FormLists> m_lists;
-    std::unique_ptr<FormTimers> m_timers;
+    std::unique_ptr<StoreFixture> m_f;
     std::unique_ptr<HeadlessWindow> m_window;
     QTcpServer m_silent;
     std::unique_ptr<AlertLink> m_link;

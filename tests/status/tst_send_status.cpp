@@ -10,6 +10,7 @@
 #include "Log.h"
 #include "SendStatus.h"
 #include "SmtpClient.h"
+#include "StoreFixture.h"
 #include "StatusPort.h"
 #include "TrayState.h"
 #include "clsAlertCls.h"
@@ -50,23 +51,14 @@ class TestSendStatus : public QObject
 private Q_SLOTS:
     void init()
     {
-        resetGlobals();
-        m_dir = std::make_unique<QTemporaryDir>();
-        m_log = std::make_unique<Log>(m_dir->path());
-        m_log->writeStartRecord(QString());
-        m_db = std::make_unique<Database>();
-        m_db->DBInitADO(m_dir->path());
-        m_lists = std::make_unique<FormLists>();
-        m_lists->InitColHeaders();
-        m_timers = std::make_unique<FormTimers>();
+        m_f = std::make_unique<StoreFixture>();
         m_window = std::make_unique<HeadlessWindow>();
-        m_link = std::make_unique<AlertLink>(*m_lists, *m_timers);
+        m_link = std::make_unique<AlertLink>(m_f->lists, m_f->timers);
         m_smtp = std::make_unique<SmtpClient>(*m_window);
         m_tray = std::make_unique<TrayState>(*m_window);
-        m_status = std::make_unique<SendStatus>(*m_lists, *m_timers, *m_db, *m_link, *m_smtp, *m_tray, *m_window);
+        m_status = std::make_unique<SendStatus>(m_f->lists, m_f->timers, m_f->db, *m_link, *m_smtp, *m_tray, *m_window);
         m_status->setFaxLine(&m_faxLine);
         m_chamber = new clsAlertCls;
-        g.gfrmServerForm = nullptr;
         QVERIFY(m_link->Open_Link(m_chamber));
     }
     void cleanup()
@@ -76,31 +68,28 @@ private Q_SLOTS:
         m_smtp.reset();
         m_link.reset(); // releases the chamber's object
         m_window.reset();
-        m_timers.reset();
-        m_lists.reset();
-        m_db.reset();
-        m_log.reset();
+        m_f.reset();
     }
 
     void aDeliveredEmailIsRecordedAndReported()
     {
         QSignalSpy replies(m_chamber, &clsAlertCls::AlertStatus);
-        m_lists->lvwSendEmailQue.add(job(QStringLiteral("123")));
-        m_lists->lvwSendEmailQue.add(job(QStringLiteral("124")));
+        m_f->lists.lvwSendEmailQue.add(job(QStringLiteral("123")));
+        m_f->lists.lvwSendEmailQue.add(job(QStringLiteral("124")));
         startAttempt(0, QStringLiteral("jo@lab; "));
         g.gintEmailSendState = 1;
         m_status->SendStatUpdate();
-        QCOMPARE(m_lists->lvwHist[0].text(1, 2), QStringLiteral("Sending"));
+        QCOMPARE(m_f->lists.lvwHist[0].text(1, 2), QStringLiteral("Sending"));
         QCOMPARE(g.glngEmailTicks, 1);
 
         g.gintEmailSendState = 3;
         m_status->SendStatUpdate();
         QCOMPARE(replies.count(), 1);
         QCOMPARE(replies.at(0), QVariantList({123, qint16(1), true}));
-        QCOMPARE(m_lists->lvwSendEmailQue.count(), 1);
-        QCOMPARE(m_lists->lvwHist[0].text(1, 2), QStringLiteral("Sent"));
+        QCOMPARE(m_f->lists.lvwSendEmailQue.count(), 1);
+        QCOMPARE(m_f->lists.lvwHist[0].text(1, 2), QStringLiteral("Sent"));
         QCOMPARE(historyRows("EmailHistory"), QStringList{QStringLiteral("Sent|jo@lab; |123")});
-        QVERIFY(m_timers->TimerEmailMsgQue.isActive()); // one job left
+        QVERIFY(m_f->timers.TimerEmailMsgQue.isActive()); // one job left
         QCOMPARE(g.gintEmailSendState, qint16(0));
         QCOMPARE(g.gintIconState, qint16(1));
         QCOMPARE(m_window->caption, QStringLiteral("Messages Sent"));
@@ -109,16 +98,16 @@ private Q_SLOTS:
     void aFailingEmailIsTriedThreeTimesAtTheHead()
     {
         QSignalSpy replies(m_chamber, &clsAlertCls::AlertStatus);
-        m_lists->lvwSendEmailQue.add(job(QStringLiteral("7")));
+        m_f->lists.lvwSendEmailQue.add(job(QStringLiteral("7")));
         for (int attempt = 1; attempt <= 3; ++attempt) {
             startAttempt(0, QStringLiteral("jo@lab; "));
             g.gintEmailSendState = 4;
             m_status->SendStatUpdate();
-            QCOMPARE(m_lists->lvwHist[0].text(1, 2), QStringLiteral("Attempt %1 Failed").arg(attempt));
+            QCOMPARE(m_f->lists.lvwHist[0].text(1, 2), QStringLiteral("Attempt %1 Failed").arg(attempt));
             QCOMPARE(g.gintEmailSendState, qint16(0));
         }
-        QCOMPARE(m_lists->lvwSendEmailQue.count(), 0);
-        QVERIFY(!m_timers->TimerEmailMsgQue.isActive());
+        QCOMPARE(m_f->lists.lvwSendEmailQue.count(), 0);
+        QVERIFY(!m_f->timers.TimerEmailMsgQue.isActive());
         QCOMPARE(replies.count(), 1);
         QCOMPARE(replies.at(0), QVariantList({7, qint16(1), false}));
         QCOMPARE(historyRows("EmailHistory"), QStringList{QStringLiteral("Attempt 3 Failed|jo@lab; |7")});
@@ -127,7 +116,7 @@ private Q_SLOTS:
 
     void aSilentSendIsGivenUpAfterSixtyTicks()
     {
-        m_lists->lvwSendEmailQue.add(job(QStringLiteral("8")));
+        m_f->lists.lvwSendEmailQue.add(job(QStringLiteral("8")));
         startAttempt(0, QStringLiteral("jo@lab; "));
         g.gintEmailSendState = 1;
         for (int tick = 1; tick < SendStatus::kEmailGiveUpTicks; ++tick)
@@ -137,41 +126,41 @@ private Q_SLOTS:
         QCOMPARE(g.gintEmailSendState, qint16(4));
         QCOMPARE(m_smtp->SmtpState(), qint16(0));
         m_status->SendStatUpdate();
-        QCOMPARE(m_lists->lvwHist[0].text(1, 2), QStringLiteral("Attempt 1 Failed"));
+        QCOMPARE(m_f->lists.lvwHist[0].text(1, 2), QStringLiteral("Attempt 1 Failed"));
     }
 
     void aFailedFaxWaitsBehindTheOthers()
     {
         QSignalSpy replies(m_chamber, &clsAlertCls::AlertStatus);
-        m_lists->lvwSendFaxQue.add(job(QStringLiteral("1"), 0));
-        m_lists->lvwSendFaxQue.add(job(QStringLiteral("2"), 0));
+        m_f->lists.lvwSendFaxQue.add(job(QStringLiteral("1"), 0));
+        m_f->lists.lvwSendFaxQue.add(job(QStringLiteral("2"), 0));
         const auto fail = [this] {
-            startAttempt(1, m_lists->lvwSendFaxQue.text(1, 4));
+            startAttempt(1, m_f->lists.lvwSendFaxQue.text(1, 4));
             g.gintFaxSendState = 4;
             m_status->SendStatUpdate();
         };
         fail(); // fax 1, first try
-        QCOMPARE(column(m_lists->lvwSendFaxQue, 10), QStringList({"2", "1"}));
-        QCOMPARE(column(m_lists->lvwSendFaxQue, 5), QStringList({"0", "1"}));
-        QCOMPARE(m_lists->lvwHist[1].text(1, 2), QStringLiteral("Failed"));
+        QCOMPARE(column(m_f->lists.lvwSendFaxQue, 10), QStringList({"2", "1"}));
+        QCOMPARE(column(m_f->lists.lvwSendFaxQue, 5), QStringList({"0", "1"}));
+        QCOMPARE(m_f->lists.lvwHist[1].text(1, 2), QStringLiteral("Failed"));
         QCOMPARE(m_faxLine.hangUps, 1);
 
-        startAttempt(1, m_lists->lvwSendFaxQue.text(1, 4)); // fax 2 goes through before fax 1's retry
+        startAttempt(1, m_f->lists.lvwSendFaxQue.text(1, 4)); // fax 2 goes through before fax 1's retry
         g.gintFaxSendState = 3;
         m_status->SendStatUpdate();
-        QCOMPARE(column(m_lists->lvwSendFaxQue, 10), QStringList({"1"}));
+        QCOMPARE(column(m_f->lists.lvwSendFaxQue, 10), QStringList({"1"}));
         QCOMPARE(replies.at(0), QVariantList({2, qint16(2), true}));
 
         fail();
         fail(); // the third try of fax 1 ends it
-        QCOMPARE(m_lists->lvwSendFaxQue.count(), 0);
+        QCOMPARE(m_f->lists.lvwSendFaxQue.count(), 0);
         QCOMPARE(replies.last(), QVariantList({1, qint16(2), false}));
         QCOMPARE(historyRows("FaxHistory").size(), 2); // the sent one and the given-up one
     }
 
     void faxTickLimits()
     {
-        m_lists->lvwSendFaxQue.add(job(QStringLiteral("5"), 0));
+        m_f->lists.lvwSendFaxQue.add(job(QStringLiteral("5"), 0));
         startAttempt(1, QStringLiteral("5551234567"));
         g.gintFaxSendState = 1;
         m_faxLine.status = 2; // a call under way
@@ -193,14 +182,14 @@ private Q_SLOTS:
 
     void testMessagesTouchNeitherQueueNorHistory()
     {
-        m_lists->lvwSendEmailQue.add(job(QStringLiteral("9")));
+        m_f->lists.lvwSendEmailQue.add(job(QStringLiteral("9")));
         g.gblnEmailTest = true;
         g.gintEmailSendState = 4;
         m_status->SendStatUpdate();
         QCOMPARE(m_window->testEmailProg, QStringLiteral("Send Failed"));
         QVERIFY(!g.gblnEmailTest);
-        QCOMPARE(m_lists->lvwSendEmailQue.count(), 1);
-        QCOMPARE(m_log->lstEmailStatus()->stringList().mid(m_log->lstEmailStatus()->rowCount() - 7, 4),
+        QCOMPARE(m_f->lists.lvwSendEmailQue.count(), 1);
+        QCOMPARE(m_f->log->lstEmailStatus()->stringList().mid(m_f->log->lstEmailStatus()->rowCount() - 7, 4),
                  QStringList({"***********************************************",
                               "****             Test Email                ****",
                               "***********************************************", "*** Status: Test email failed."}));
@@ -208,15 +197,15 @@ private Q_SLOTS:
         g.gintFaxSendState = 3;
         m_status->SendStatUpdate();
         QCOMPARE(m_window->testFaxProg, QStringLiteral("Sent Successfully"));
-        QVERIFY(m_lists->lvwHist[1].isEmpty());
+        QVERIFY(m_f->lists.lvwHist[1].isEmpty());
     }
 
 private:
     // What the queue timer does when it starts a message: a history row on top.
     void startAttempt(int histIndex, const QString &address)
     {
-        const ListStore &queue = histIndex == 0 ? m_lists->lvwSendEmailQue : m_lists->lvwSendFaxQue;
-        m_lists->lvwHist[histIndex].insert(1, QStringList{QStringLiteral("now"), QStringLiteral("Sending"),
+        const ListStore &queue = histIndex == 0 ? m_f->lists.lvwSendEmailQue : m_f->lists.lvwSendFaxQue;
+        m_f->lists.lvwHist[histIndex].insert(1, QStringList{QStringLiteral("now"), QStringLiteral("Sending"),
                                                           QStringLiteral("Chamber 4"), address, QStringLiteral("high"),
                                                           QStringLiteral("CHAMBER_ALARM"), QStringLiteral("t"),
                                                           queue.text(1, queue.columnCount())});
@@ -230,7 +219,7 @@ private:
     }
     QStringList historyRows(const QString &table)
     {
-        QSqlQuery rows = m_db->run(QStringLiteral("SELECT Status || '|' || Address || '|' || AlarmID FROM ") + table +
+        QSqlQuery rows = m_f->db.run(QStringLiteral("SELECT Status || '|' || Address || '|' || AlarmID FROM ") + table +
                                    QStringLiteral(" ORDER BY rowid"));
         QStringList values;
         while (rows.next())
@@ -238,11 +227,7 @@ private:
         return values;
     }
 
-    std::unique_ptr<QTemporaryDir> m_dir;
-    std::unique_ptr<Log> m_log;
-    std::unique_ptr<Database> m_db;
-    std::unique_ptr<FormLists> m_lists;
-    std::unique_ptr<FormTimers> m_timers;
+    std::unique_ptr<StoreFixture> m_f;
     std::unique_ptr<HeadlessWindow> m_window;
     std::unique_ptr<AlertLink> m_link;
     std::unique_ptr<SmtpClient> m_smtp;
