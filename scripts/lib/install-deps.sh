@@ -8,6 +8,7 @@ packages=(
     qt6-base-dev qt6-serialport-dev libqt6sql6-sqlite
     dbus-daemon dbus-bin
     python3-dbus-next python3-aiosmtpd
+    libtiff-dev libspandsp-dev libtiff-tools efax fonts-dejavu-core
     "$@"
 )
 

@@ -1,0 +1,87 @@
+#pragma once
+// The Class 1 driver: the host runs the whole ITU-T T.30 session (phases A to E) itself over the T.31 commands of
+// the modem (+FTH/+FRH for V.21 HDLC frames, +FTM for training and page data, +FTS for the pauses between them).
+
+#include "FaxSession.h"
+#include "T30Frame.h"
+#include "T30Params.h"
+
+#include <QElapsedTimer>
+
+namespace osprel {
+
+class Class1Session : public FaxSession
+{
+    Q_OBJECT
+public:
+    // Each state is named after the reply it waits for.
+    enum class State {
+        Idle,
+        Reset,            // the init string -> OK
+        SetClass,         // AT+FCLASS=1 -> OK
+        QueryModulations, // AT+FTM=? -> carrier list, OK
+        Dial,             // ATDT -> CONNECT (the answerer's V.21 flags)
+        PhaseBConnect,    // AT+FRH=3 -> CONNECT (more phase B frames)
+        PhaseBFrame,      // NSF / CSI / DIS -> OK
+        TsiConnect,       // AT+FTH=3 -> CONNECT
+        TsiSent,          // TSI -> CONNECT (a frame follows)
+        DcsSent,          // DCS -> OK
+        TcfPause,         // AT+FTS=8 -> OK
+        TcfConnect,       // AT+FTM=<training> -> CONNECT
+        TcfSent,          // 1.5 s of zeros -> OK
+        TrainingConnect,  // AT+FRH=3 -> CONNECT
+        TrainingFrame,    // CFR / FTT -> OK
+        PagePause,        // AT+FTS=8 -> OK
+        PageConnect,      // AT+FTM=<page> -> CONNECT
+        PageSent,         // the coded page -> OK
+        PostPagePause,    // AT+FTS=8 -> OK
+        PostPageConnect,  // AT+FTH=3 -> CONNECT
+        PostPageSent,     // MPS / EOP -> OK
+        ResponseConnect,  // AT+FRH=3 -> CONNECT
+        ResponseFrame,    // MCF / RTP / RTN -> OK
+        DcnConnect,       // AT+FTH=3 -> CONNECT
+        DcnSent,          // DCN -> OK
+        Hangup,           // ATH0 -> OK
+        Done,
+    };
+    static const char *stateName(State s);
+
+    Class1Session(SerialLine *line, FaxJob job, QObject *parent = nullptr);
+    State state() const { return m_state; }
+
+protected:
+    void begin() override;
+    void onReply(const AtReply &reply) override;
+
+private:
+    void enter(State s);
+    void onPhaseBFrame(const AtReply &reply);
+    void onTrainingFrame(const AtReply &reply);
+    void onResponseFrame(const AtReply &reply);
+    void afterDis();
+    void retrain(bool fallBack);
+    void startPage();
+    void noPostPageResponse();
+    // Ends the session: with DCN while the remote is still there, else straight to the hang-up.
+    void fail(int code, const QString &detail, bool sendDcn = true);
+    void sendFrame(quint8 fcf, const QByteArray &info, bool final, AtResponse expect);
+    QString rateText() const;
+
+    State m_state = State::Idle;
+    QList<int> m_modemCodes;
+    RemoteCapabilities m_remote;
+    QString m_remoteId;
+    const FaxModulation *m_mod = nullptr;
+    bool m_fine = true;
+    int m_minScanMs = 0;
+    int m_page = 0;
+    int m_dcsTries = 0;
+    int m_disCount = 0;
+    int m_postTries = 0;
+    int m_pageRetries = 0;
+    bool m_negotiated = false;
+    QByteArray m_pageData;
+    QElapsedTimer m_t1;
+};
+
+} // namespace osprel

@@ -1,0 +1,17 @@
+#include "Class20Session.h"
+
+namespace osprel {
+
+const Class2Session::Names &Class20Session::names() const
+{
+    static const Names n = {"2.0", "+FLI", "+FIS", "+FCO", "+FCI", "+FCS", "+FHS", "+FPS"};
+    return n;
+}
+
+QByteArray Class20Session::pageTerminator(bool lastPage) const
+{
+    // T.32: the page data ends in-band with what follows it, instead of EIA-592's DLE ETX and +FET.
+    return lastPage ? QByteArray("\x10.", 2) : QByteArray("\x10,", 2);
+}
+
+} // namespace osprel

@@ -1,0 +1,38 @@
+#pragma once
+// The pages of a fax image file (a TIFF of bilevel pages, any compression libtiff reads), held as 1728-pel scan
+// lines and coded on demand as T.4 one-dimensional data for the line.
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+namespace osprel {
+
+struct FaxPageImage
+{
+    static constexpr int kWidth = 1728; // pels on a 215 mm line (T.4)
+    static constexpr int kRowBytes = kWidth / 8;
+    bool fine = true; // 7.7 lines/mm, else 3.85
+    int rows = 0;
+    QByteArray bits; // rows * kRowBytes, 1 = black, most significant bit first
+
+    const uchar *row(int y) const { return reinterpret_cast<const uchar *>(bits.constData()) + y * kRowBytes; }
+};
+
+class FaxDocument
+{
+public:
+    bool open(const QString &path, QString *error);
+    int pageCount() const { return int(m_pages.size()); }
+    const FaxPageImage &page(int i) const { return m_pages.at(i); }
+
+    // T.4 MH data of page i as the modem sends it (first bit in the lowest bit of each octet): an EOL, each line
+    // padded with fill bits to minBytesPerLine (T.4 4.1.3) and ended by an octet-aligned EOL, then RTC (six EOLs,
+    // T.4 4.1.4). A page is thinned or doubled to the negotiated vertical resolution.
+    QByteArray encodePage(int i, bool fine, int minBytesPerLine) const;
+
+private:
+    QList<FaxPageImage> m_pages;
+};
+
+} // namespace osprel

@@ -1,0 +1,61 @@
+#pragma once
+// A software Class 1 fax modem for tests: spandsp's T.31 modem behind a pseudo-terminal, its audio wired to a spandsp
+// T.30 terminal that answers the call and receives the fax into a TIFF file.
+
+#include <QString>
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+namespace osprel::faxlab {
+
+class SoftModem
+{
+public:
+    // What the far end of the dialled line does.
+    enum class Line { Answer, Busy, NoAnswer, NoDialTone };
+
+    struct Options
+    {
+        QString linkPath;     // the serial port name a host opens
+        QString receivedTiff; // where the answering terminal stores the fax
+        Line line = Line::Answer;
+        QString answerId = QStringLiteral("SOFTMODEM"); // CSI of the answering terminal
+        double speedUp = 20;                            // sample clock factor while the host waits on the modem
+        double pageHoldSeconds = 1.2; // real time before a page's end may be reported (efax divides by it)
+        bool log = false;             // spandsp's own protocol log on stderr
+    };
+
+    struct Result
+    {
+        int calls = 0;         // ATD commands seen
+        QString dialled;       // the last dial string
+        bool finished = false; // the answering terminal reached phase E
+        int completionCode = -1;
+        QString completionText;
+        int pages = 0;
+        int bitRate = 0;
+        int xResolution = 0, yResolution = 0, width = 0, length = 0, badRows = 0;
+        QString remoteId;          // the TSI the sender gave
+        double virtualSeconds = 0; // virtual time from the dial to phase E
+    };
+
+    explicit SoftModem(Options options);
+    ~SoftModem();
+    SoftModem(const SoftModem &) = delete;
+    SoftModem &operator=(const SoftModem &) = delete;
+
+    bool start(QString *error = nullptr);
+    void stop();
+    const QString &linkPath() const;
+    Result result() const;
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> d;
+};
+
+const char *softModemLineName(SoftModem::Line line);
+
+} // namespace osprel::faxlab

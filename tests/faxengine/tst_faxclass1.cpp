@@ -1,0 +1,219 @@
+// The Class 1 driver end to end: faxes sent by the engine through the software modem (spandsp T.31) to a T.30
+// terminal that stores them; call failures; stopping a call.
+
+#include "EventLog.h"
+#include "FaxCodes.h"
+#include "FaxEngine.h"
+#include "SoftModem.h"
+
+#include <QElapsedTimer>
+#include <QTemporaryDir>
+#include <QtTest>
+#include <tiffio.h>
+
+using namespace osprel;
+using osprel::faxlab::EventLog;
+using osprel::faxlab::SoftModem;
+
+namespace {
+int tiffPages(const QString &path)
+{
+    TIFF *t = TIFFOpen(QFile::encodeName(path).constData(), "r");
+    if (!t)
+        return -1;
+    const int n = TIFFNumberOfDirectories(t);
+    TIFFClose(t);
+    return n;
+}
+
+QString notePage(int lines)
+{
+    QString text = QStringLiteral("To: Pat Example\r\nFax Number: 5550199\r\n\r\n");
+    for (int i = 4; i <= lines; ++i)
+        text += QStringLiteral("\tLine %1: Chamber 7 temperature alarm, CH1 actual 85.2 C\r\n").arg(i);
+    return text;
+}
+} // namespace
+
+class TestFaxClass1 : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase() { QVERIFY(m_dir.isValid()); }
+
+    void sendsPagesToTheSoftModem_data()
+    {
+        QTest::addColumn<int>("lines");
+        QTest::addColumn<int>("pages");
+        QTest::newRow("one page") << 30 << 1;
+        QTest::newRow("two pages") << 90 << 2;
+    }
+
+    void sendsPagesToTheSoftModem()
+    {
+        QFETCH(int, lines);
+        QFETCH(int, pages);
+        const QString tag = QString::fromLatin1(QTest::currentDataTag()).replace(QLatin1Char(' '), QLatin1Char('-'));
+        const QString text = m_dir.filePath(tag + QStringLiteral(".txt"));
+        const QString image = m_dir.filePath(tag + QStringLiteral(".fmf"));
+        const QString received = m_dir.filePath(tag + QStringLiteral("-received.tif"));
+        QFile f(text);
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write(notePage(lines).toLatin1());
+        f.close();
+        QString error;
+        QVERIFY2(FaxEngine::convertText(text, image, &error), qPrintable(error));
+
+        SoftModem modem({m_dir.filePath(tag + QStringLiteral("-modem")), received});
+        QVERIFY2(modem.start(&error), qPrintable(error));
+        FaxEngine engine;
+        EventLog log(&engine);
+        engine.setPort(modem.linkPath());
+        engine.setFaxClass(FaxEngine::Class1);
+        engine.setStationId(QStringLiteral("+1 555 0100"));
+        engine.setNumber(QStringLiteral("15550199"));
+        engine.setFileToSend(image);
+        QCOMPARE(engine.state(), int(FaxEngine::Idle));
+        QElapsedTimer wall;
+        wall.start();
+        QVERIFY(engine.send());
+        QCOMPARE(engine.state(), int(FaxEngine::InCall));
+        QVERIFY(!engine.send()); // one fax at a time
+        QTRY_VERIFY_WITH_TIMEOUT(log.completed(), 90000);
+        const qint64 ms = wall.elapsed();
+        QVERIFY2(log.completion().errorCode == 0,
+                 qPrintable(log.completion().errorText + QLatin1Char('\n') + log.dialogue()));
+        QCOMPARE(engine.state(), int(FaxEngine::Finished));
+        QVERIFY(log.stateHeldDuringCall());
+        QCOMPARE(log.completion().pageCount, pages);
+        QCOMPARE(log.completion().remoteId, QStringLiteral("SOFTMODEM"));
+        QCOMPARE(log.completion().speed, QStringLiteral("14400"));
+        QCOMPARE(log.completion().resolution, QStringLiteral("Fine"));
+        QVERIFY(log.kinds().contains(FaxEvent::StartTimeKind));
+        QVERIFY(log.kinds().contains(FaxEvent::NegotiatedKind));
+        QCOMPARE(log.kinds().count(FaxEvent::PagesKind), pages);
+        QCOMPARE(log.kinds().last(), int(FaxEvent::CompletionKind));
+
+        QTRY_VERIFY_WITH_TIMEOUT(modem.result().finished, 10000);
+        const SoftModem::Result r = modem.result();
+        QCOMPARE(r.dialled, QStringLiteral("15550199"));
+        QVERIFY2(r.completionCode == 0, qPrintable(r.completionText));
+        QCOMPARE(r.pages, pages);
+        QCOMPARE(r.badRows, 0);
+        QCOMPARE(r.width, 1728);
+        QCOMPARE(r.remoteId, QStringLiteral("+1 555 0100"));
+        modem.stop();
+        QCOMPARE(tiffPages(received), pages);
+        // OSPREL_FAX_KEEP=dir keeps what was sent and received, to look at.
+        if (qEnvironmentVariableIsSet("OSPREL_FAX_KEEP")) {
+            const QDir keep(qEnvironmentVariable("OSPREL_FAX_KEEP"));
+            QFile::copy(image, keep.filePath(tag + QStringLiteral("-sent.tif")));
+            QFile::copy(received, keep.filePath(tag + QStringLiteral("-received.tif")));
+        }
+        qInfo("%d page(s): %.1f s wall, %.1f s on the line, %d bit/s", pages, ms / 1000.0, r.virtualSeconds, r.bitRate);
+    }
+
+    // The far end of the line decides: the modem's result code becomes the fax's error.
+    void callFailures_data()
+    {
+        QTest::addColumn<int>("line");
+        QTest::addColumn<int>("error");
+        QTest::newRow("busy") << int(SoftModem::Line::Busy) << FaxError::Busy;
+        QTest::newRow("no answer") << int(SoftModem::Line::NoAnswer) << FaxError::NoAnswer;
+        QTest::newRow("no dial tone") << int(SoftModem::Line::NoDialTone) << FaxError::NoDialTone;
+    }
+
+    void callFailures()
+    {
+        QFETCH(int, line);
+        QFETCH(int, error);
+        SoftModem::Options opt{m_dir.filePath(QStringLiteral("fail-modem")), m_dir.filePath(QStringLiteral("x.tif"))};
+        opt.line = SoftModem::Line(line);
+        SoftModem modem(opt);
+        QString why;
+        QVERIFY2(modem.start(&why), qPrintable(why));
+        FaxEngine engine;
+        EventLog log(&engine);
+        engine.setPort(modem.linkPath());
+        engine.setNumber(QStringLiteral("15550199"));
+        engine.setFileToSend(onePageImage());
+        QVERIFY(engine.send());
+        QTRY_VERIFY_WITH_TIMEOUT(log.completed(), 20000);
+        QCOMPARE(log.completion().errorCode, error);
+        QCOMPARE(log.completion().errorText, FaxEngine::errorText(error));
+        QCOMPARE(log.completion().completionCode, error);
+        QCOMPARE(log.completion().completionText, QStringLiteral("Fax failed"));
+        QVERIFY(log.stateHeldDuringCall());
+        QCOMPARE(engine.state(), int(FaxEngine::Finished));
+        QCOMPARE(modem.result().calls, 1);
+        QVERIFY(!modem.result().finished);
+    }
+
+    // Failures before any modem is reached still end in one completion, never in silence.
+    void failuresBeforeTheCall()
+    {
+        FaxEngine engine;
+        EventLog log(&engine);
+        engine.setPort(m_dir.filePath(QStringLiteral("no-such-port")));
+        engine.setFileToSend(onePageImage());
+        QVERIFY(engine.send());
+        QCOMPARE(engine.state(), int(FaxEngine::InCall));
+        QTRY_VERIFY(log.completed());
+        QCOMPARE(log.completion().errorCode, FaxError::DeviceError);
+        QCOMPARE(engine.state(), int(FaxEngine::Finished));
+
+        EventLog log2(&engine);
+        engine.setFileToSend(m_dir.filePath(QStringLiteral("missing.fmf")));
+        QVERIFY(engine.send());
+        QTRY_VERIFY(log2.completed());
+        QCOMPARE(log2.completion().errorCode, FaxError::FileError);
+        QCOMPARE(log2.completions(), 1);
+    }
+
+    // stop() in the middle of a page: the modem is told to hang up, the engine is free at once, and the next fax
+    // through the same modem goes out.
+    void stopAbandonsTheCall()
+    {
+        SoftModem modem({m_dir.filePath(QStringLiteral("stop-modem")), m_dir.filePath(QStringLiteral("stop.tif"))});
+        QString why;
+        QVERIFY2(modem.start(&why), qPrintable(why));
+        FaxEngine engine;
+        EventLog log(&engine);
+        engine.setPort(modem.linkPath());
+        engine.setNumber(QStringLiteral("15550199"));
+        engine.setFileToSend(onePageImage());
+        QVERIFY(engine.send());
+        QTRY_VERIFY_WITH_TIMEOUT(log.kinds().contains(FaxEvent::PagesKind), 30000);
+        engine.stop();
+        QCOMPARE(engine.state(), int(FaxEngine::Idle));
+        QCOMPARE(log.completions(), 1);
+        QCOMPARE(log.completion().errorCode, FaxError::CallAborted);
+
+        EventLog again(&engine);
+        QVERIFY(engine.send());
+        QTRY_VERIFY_WITH_TIMEOUT(again.completed(), 60000);
+        QVERIFY2(again.completion().errorCode == 0,
+                 qPrintable(again.completion().errorText + QLatin1Char('\n') + again.dialogue()));
+        QCOMPARE(modem.result().calls, 2);
+    }
+
+private:
+    QString onePageImage()
+    {
+        const QString image = m_dir.filePath(QStringLiteral("one.fmf"));
+        if (!QFile::exists(image)) {
+            const QString text = m_dir.filePath(QStringLiteral("one.txt"));
+            QFile f(text);
+            if (f.open(QIODevice::WriteOnly))
+                f.write(notePage(20).toLatin1());
+            f.close();
+            FaxEngine::convertText(text, image, nullptr);
+        }
+        return image;
+    }
+
+    QTemporaryDir m_dir;
+};
+
+QTEST_MAIN(TestFaxClass1)
+#include "tst_faxclass1.moc"
