@@ -7,6 +7,10 @@
 #include "Dispatcher.h"
 #include "EmailQueue.h"
 #include "ErrorReport.h"
+#include "FaxDevice.h"
+#include "FaxEngine.h"
+#include "FaxFinder.h"
+#include "FaxQueue.h"
 #include "FormPort.h"
 #include "Globals.h"
 #include "Log.h"
@@ -62,6 +66,14 @@ void EmailFaxServer::setPort(FormPort *port)
     m_recipients = std::make_unique<Recipients>(m_lists, m_database, *port);
     m_prioritySetup = std::make_unique<PrioritySetup>(*m_priorities, *m_alarms, m_lists, m_timers, *port);
     m_commSetup = std::make_unique<CommSetup>(m_database, *port);
+    m_faxEngine = std::make_unique<FaxEngine>();
+    m_faxFinder = std::make_unique<FaxFinder>();
+    // Configured device paths (a modem on an unusual port, or a software modem) are searched besides the system's.
+    m_faxFinder->setExtraPaths(qEnvironmentVariable("OSPREL_FAX_DEVICES").split(u':', Qt::SkipEmptyParts));
+    m_faxFinder->setSearchSystemPorts(qEnvironmentVariable("OSPREL_FAX_SYSTEM_PORTS") != QLatin1String("0"));
+    m_faxDevice = std::make_unique<FaxDevice>(*m_faxEngine, *m_faxFinder, m_database, m_lists, *port);
+    m_faxQueue = std::make_unique<FaxQueue>(*m_faxEngine, *m_faxDevice, m_lists, m_timers, m_database, *port);
+    m_sendStatus->setFaxLine(m_faxQueue.get());
 }
 
 FormPort &EmailFaxServer::port()
@@ -90,6 +102,9 @@ void EmailFaxServer::Form_Load()
         VersionControl();
         port().appendAppVersion(QStringLiteral(" ") + versionText());
         CopyEmailToRecipientStr(m_lists);
+        m_faxDevice->InitModemSettings();
+        // Fax messaging on at the last exit: the device is looked for once the server has settled.
+        m_faxQueue->faxNotice = port().chkEnableFax();
         g.gintEmailSendState = 0;
         g.gintFaxSendState = 0;
         port().setWindowImage(kImageNormal);
@@ -125,6 +140,13 @@ void EmailFaxServer::TimerInit_Timer()
     m_timers.TimerMsgQue.start();
     m_timers.TimerDBAlarms.start();
     m_timers.TimerInit.stop();
+    // Fax messaging was on when the server last ended: the modem is searched for once, so that faxes go on being
+    // sent when it is there; without it the fax queue turns fax messaging off with a notice.
+    if (m_faxQueue && m_faxQueue->faxNotice && !m_faxDevice->gblnFaxDeviceFound) {
+        m_faxDevice->FindDevice();
+        if (m_faxDevice->gblnFaxDeviceFound)
+            m_faxQueue->faxNotice = false;
+    }
 }
 
 bool EmailFaxServer::Form_QueryUnload(int UnloadMode)
@@ -171,7 +193,9 @@ bool EmailFaxServer::Form_Unload()
         m_database.close();
         if (m_smtp && m_smtp->wsockctlState() == 7)
             m_smtp->abort();
-        // The fax device is closed here as its subsystem arrives.
+        // A fax under way is stopped; the engine is idle again when stop() returns.
+        if (m_faxQueue && m_faxEngine->state() != FaxEngine::Idle)
+            m_faxQueue->endCall();
         port().trayRemove();
         m_timers.tmrServer.setInterval(0);
         m_timers.tmrServer.stop();

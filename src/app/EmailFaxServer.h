@@ -19,6 +19,10 @@ class Dispatcher;
 class PrioritySetup;
 class Recipients;
 class EmailQueue;
+class FaxDevice;
+class FaxEngine;
+class FaxFinder;
+class FaxQueue;
 class SendStatus;
 class SmtpClient;
 class TrayState;
@@ -52,6 +56,10 @@ public:
     Recipients &recipients() { return *m_recipients; }
     PrioritySetup &prioritySetup() { return *m_prioritySetup; }
     CommSetup &commSetup() { return *m_commSetup; }
+    FaxEngine &faxEngine() { return *m_faxEngine; }
+    FaxFinder &faxFinder() { return *m_faxFinder; }
+    FaxDevice &faxDevice() { return *m_faxDevice; }
+    FaxQueue &faxQueue() { return *m_faxQueue; }
     bool isLoading() const { return m_loading; }
 
     // ServerForm
@@ -96,6 +104,10 @@ private:
     std::unique_ptr<Recipients> m_recipients;
     std::unique_ptr<PrioritySetup> m_prioritySetup;
     std::unique_ptr<CommSetup> m_commSetup;
+    std::unique_ptr<FaxEngine> m_faxEngine;
+    std::unique_ptr<FaxFinder> m_faxFinder;
+    std::unique_ptr<FaxDevice> m_faxDevice;
+    std::unique_ptr<FaxQueue> m_faxQueue;
     bool m_loading = false;
     bool m_unloaded = false;
 };

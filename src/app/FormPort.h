@@ -4,6 +4,7 @@
 
 #include "CommSetup.h"
 #include "EmailQueuePort.h"
+#include "FaxPort.h"
 #include "PrioritySetupPort.h"
 #include "RecipientsPort.h"
 #include "StatusPort.h"
@@ -17,6 +18,7 @@ class FormPort : public CommSetupPort,
                  public PrioritySetupPort,
                  public RecipientsPort,
                  public EmailQueuePort,
+                 public FaxPort,
                  public StatusPort,
                  public TrayPort
 {

@@ -4,6 +4,9 @@
 #include "Dispatcher.h"
 #include "EmailFaxServer.h"
 #include "EmailQueue.h"
+#include "FaxDevice.h"
+#include "FaxQueue.h"
+#include "pages/AdvModemPanel.h"
 #include "ListView.h"
 #include "MainWindow.h"
 #include "PrioritySetup.h"
@@ -42,6 +45,22 @@ void wireCommSetup(MainWindow &window, EmailFaxServer &server)
         QObject::connect(box, &QLineEdit::textEdited, &window, [&server] { server.commSetup().SetCommSetupChanged(); });
     onClick(page->cmdAcceptCommSetup, window, [&server] { server.commSetup().cmdAcceptCommSetup_Click(); });
     onClick(page->cmdCancelCommSetup, window, [&server] { server.commSetup().cmdCancelCommSetup_Click(); });
+}
+
+void wireFax(MainWindow &window, EmailFaxServer &server)
+{
+    CommSetupPage *page = window.commSetupPage();
+    onClick(page->cmdFindDevice, window, [&server] { server.faxDevice().FindDevice(); });
+    onClick(page->cmdAdvSetup, window, [&server] { server.faxDevice().cmdAdvSetup_Click(); });
+    onClick(page->cmdTestFax, window, [&server] { server.faxQueue().cmdTestFax_Click(); });
+    QObject::connect(page->chkEnableFax, &QCheckBox::clicked, &window, [&server] { server.faxQueue().chkEnableFax_Click(); });
+    AdvModemPanel *panel = window.advModemPanel();
+    onClick(panel->cmdDefaultInitStr, window, [&server] { server.faxDevice().cmdDefaultInitStr_Click(); });
+    onClick(panel->cmdAcceptModemSetup, window, [&server] { server.faxDevice().cmdAcceptModemSetup_Click(); });
+    onClick(panel->cmdCancelModemSetup, window, [&server] { server.faxDevice().cmdCancelModemSetup_Click(); });
+    onClick(panel->cmdTalkToMe, window, [&server] { server.faxDevice().cmdTalkToMe_Click(); });
+    QObject::connect(panel->modemClass, &QButtonGroup::idClicked, &window, [&server] { server.faxDevice().modemSetupChanged(); });
+    QObject::connect(panel->txtConStr, &QLineEdit::textEdited, &window, [&server] { server.faxDevice().modemSetupChanged(); });
 }
 
 void wireAlarmSetup(MainWindow &window, EmailFaxServer &server)
@@ -96,12 +115,15 @@ void wireServiceButtons(MainWindow &window, EmailFaxServer &server)
     onClick(panel->cmdEnableTimer, window,
             [&server, panel] { panel->cmdEnableTimer->setText(server.dispatcher().cmdEnableTimer_Click()); });
     onClick(panel->cmdAddErr, window, [&server] { server.prioritySetup().cmdAddErr_Click(); });
+    onClick(panel->cmdSendFax, window, [&server] { server.faxQueue().SendFax(); });
+    onClick(panel->cmdShutUp, window, [&server] { server.faxDevice().cmdShutUp_Click(); });
 }
 } // namespace
 
 void wireForm(MainWindow &window, EmailFaxServer &server)
 {
     wireCommSetup(window, server);
+    wireFax(window, server);
     wireAlarmSetup(window, server);
     wireRecipients(window, server);
     wireServiceButtons(window, server);

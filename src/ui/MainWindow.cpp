@@ -7,6 +7,7 @@
 #include "ImageList.h"
 #include "ListView.h"
 #include "Log.h"
+#include "pages/AdvModemPanel.h"
 #include "pages/AlarmSetupPage.h"
 #include "pages/CommSetupPage.h"
 #include "pages/ContactEditor.h"
@@ -75,9 +76,7 @@ MainWindow::MainWindow(EmailFaxServer &server, Log &log, QWidget *parent)
 
     m_picStatus = new StatusPanel(log, m_pageArea);
     m_picContacts = new ContactEditor(m_pageArea);
-    m_picAdvModemSetup = overlay("picAdvModemSetup");
-    auto *cmdCancelModemSetup = new QPushButton(tr("Cancel"), m_picAdvModemSetup);
-    cmdCancelModemSetup->setObjectName(QStringLiteral("cmdCancelModemSetup"));
+    m_picAdvModemSetup = new AdvModemPanel(m_pageArea);
     m_picControls = overlay("picControls");
     for (QWidget *panel : {static_cast<QWidget *>(m_picStatus), static_cast<QWidget *>(m_picContacts),
                            static_cast<QWidget *>(m_picAdvModemSetup), static_cast<QWidget *>(m_picControls)}) {
@@ -104,7 +103,12 @@ MainWindow::MainWindow(EmailFaxServer &server, Log &log, QWidget *parent)
     m_lblDumpStrFunctErr = new QLabel(this);
     m_lblDumpStrFunctErr->setObjectName(QStringLiteral("lblDumpStrFunctErr"));
     m_lblDumpStrFunctErr->setStyleSheet(QStringLiteral("color: #b00000"));
+    m_lblMessagePanel = new QLabel(this);
+    m_lblMessagePanel->setObjectName(QStringLiteral("lblMessagePanel"));
+    m_lblMessagePanel->setWordWrap(true);
+    m_lblMessagePanel->setStyleSheet(QStringLiteral("color: #004080"));
     auto *status = new QHBoxLayout;
+    status->addWidget(m_lblMessagePanel, 2);
     status->addWidget(m_lblDumpStrFunctErr, 1);
     status->addWidget(m_lblAppVersion);
 
@@ -428,12 +432,102 @@ void MainWindow::setTxtTestFaxProg(const QString &text)
 
 void MainWindow::setEmailListEnabled(bool enabled)
 {
-    auto *list = findChild<QWidget *>(QStringLiteral("lvwEmailContacts"));
+    setListEnabled("lvwEmailContacts", enabled);
+}
+
+void MainWindow::setFaxListEnabled(bool enabled)
+{
+    setListEnabled("lvwFaxContacts", enabled);
+}
+
+// A list switched off is greyed out, with the scroll-bar colour as its background.
+void MainWindow::setListEnabled(const char *name, bool enabled)
+{
+    auto *list = findChild<QWidget *>(QLatin1String(name));
     list->setEnabled(enabled);
     QPalette palette = list->palette();
     palette.setColor(QPalette::Base, enabled ? QApplication::palette().color(QPalette::Base)
                                              : QApplication::palette().color(QPalette::Button));
     list->setPalette(palette);
+}
+
+void MainWindow::setTxtFaxDevice(const QString &text)
+{
+    m_commSetup->txtFaxDevice->setText(text);
+    m_commSetup->txtFaxDevice->repaint(); // the search that follows blocks the window
+}
+
+void MainWindow::showAdvModemSetup(bool open)
+{
+    if (open)
+        openOverlay(m_picAdvModemSetup, QStringLiteral("Setup..."));
+    else if (m_picAdvModemSetup->isVisible())
+        closeOverlay(m_picAdvModemSetup);
+}
+
+QString MainWindow::txtConStr() const
+{
+    return m_picAdvModemSetup->txtConStr->text();
+}
+
+void MainWindow::setTxtConStr(const QString &text)
+{
+    m_picAdvModemSetup->txtConStr->setText(text);
+}
+
+int MainWindow::selectedModemClassOption() const
+{
+    return qMax(0, m_picAdvModemSetup->modemClass->checkedId());
+}
+
+void MainWindow::selectModemClassOption(int option)
+{
+    if (option < 0 || option > 3)
+        osprel::raise(Err::IndexOutOfBounds);
+    m_picAdvModemSetup->optModemClass[option]->setChecked(true);
+}
+
+void MainWindow::setModemClassCaption(int option, const QString &caption)
+{
+    if (option < 0 || option > 3)
+        osprel::raise(Err::IndexOutOfBounds);
+    m_picAdvModemSetup->optModemClass[option]->setText(caption);
+}
+
+void MainWindow::setLblCurrentClass(const QString &text)
+{
+    m_picAdvModemSetup->lblCurrentClass->setText(text);
+}
+
+void MainWindow::setModemSetupButtonsEnabled(bool enabled)
+{
+    m_picAdvModemSetup->cmdAcceptModemSetup->setEnabled(enabled);
+    m_picAdvModemSetup->cmdCancelModemSetup->setEnabled(enabled);
+}
+
+bool MainWindow::chkDetailModemLogging() const
+{
+    return m_picAdvModemSetup->chkDetailModemLogging->isChecked();
+}
+
+QString MainWindow::txtTestRcpFName() const
+{
+    return m_commSetup->txtTestRcpFName->text();
+}
+
+QString MainWindow::txtTestFaxNumber() const
+{
+    return m_commSetup->txtTestFaxNumber->text();
+}
+
+QString MainWindow::txtTestFaxMessage() const
+{
+    return m_commSetup->txtTestFaxMessage->text();
+}
+
+void MainWindow::showPanelMessage(const QString &text)
+{
+    m_lblMessagePanel->setText(text);
 }
 
 void MainWindow::showMessage(const QString &title, const QString &text)

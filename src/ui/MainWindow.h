@@ -14,6 +14,7 @@ class QMenu;
 
 namespace osprel {
 
+class AdvModemPanel;
 class AlarmSetupPage;
 class CommSetupPage;
 class ContactEditor;
@@ -87,6 +88,23 @@ public:
     void selectMainContactRow(int row) override;
     QString currentTabCaption() const override;
 
+    // FaxPort
+    void setTxtFaxDevice(const QString &text) override;
+    void showAdvModemSetup(bool open) override;
+    QString txtConStr() const override;
+    void setTxtConStr(const QString &text) override;
+    int selectedModemClassOption() const override;
+    void selectModemClassOption(int option) override;
+    void setModemClassCaption(int option, const QString &caption) override;
+    void setLblCurrentClass(const QString &text) override;
+    void setModemSetupButtonsEnabled(bool enabled) override;
+    bool chkDetailModemLogging() const override;
+    void setFaxListEnabled(bool enabled) override;
+    QString txtTestRcpFName() const override;
+    QString txtTestFaxNumber() const override;
+    QString txtTestFaxMessage() const override;
+    void showPanelMessage(const QString &text) override;
+
     // The pages, for the wiring of their controls to the server's procedures.
     RecipientsPage *recipientsPage() const { return m_recipients; }
     CommSetupPage *commSetupPage() const { return m_commSetup; }
@@ -94,6 +112,7 @@ public:
     PriorityPage *priorityPage() const { return m_priority; }
     QueuePanel *queuePanel() const { return m_queues; }
     ContactEditor *contactEditor() const { return m_picContacts; }
+    AdvModemPanel *advModemPanel() const { return m_picAdvModemSetup; }
 
     QSystemTrayIcon *tray() const { return m_tray; }
 
@@ -105,6 +124,7 @@ protected:
 private:
     QFrame *overlay(const char *name);
     void openOverlay(QWidget *panel, const QString &caption);
+    void setListEnabled(const char *name, bool enabled);
     void closeOverlay(QWidget *panel);
     void buildTrayMenu();
 
@@ -121,8 +141,9 @@ private:
     QueuePanel *m_queues = nullptr;
     StatusPanel *m_picStatus = nullptr;
     ContactEditor *m_picContacts = nullptr;
-    QFrame *m_picAdvModemSetup = nullptr, *m_picControls = nullptr;
-    QLabel *m_lblAppVersion = nullptr, *m_lblDumpStrFunctErr = nullptr;
+    AdvModemPanel *m_picAdvModemSetup = nullptr;
+    QFrame *m_picControls = nullptr;
+    QLabel *m_lblAppVersion = nullptr, *m_lblDumpStrFunctErr = nullptr, *m_lblMessagePanel = nullptr;
     QSystemTrayIcon *m_tray = nullptr;
     QMenu *m_mPopupSys = nullptr;
 };

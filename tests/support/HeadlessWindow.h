@@ -45,6 +45,22 @@ public:
     void setTxtTestFaxProg(const QString &t) override { testFaxProg = t; }
     void setEmailListEnabled(bool e) override { emailListEnabled = e; }
     void showMessage(const QString &title, const QString &text) override { messages << title + u'|' + text; }
+    // FaxPort
+    void setTxtFaxDevice(const QString &t) override { faxDevice = t; }
+    void showAdvModemSetup(bool open) override { advModemOpen = open; }
+    QString txtConStr() const override { return initString; }
+    void setTxtConStr(const QString &t) override { initString = t; }
+    int selectedModemClassOption() const override { return classOption; }
+    void selectModemClassOption(int option) override { classOption = option; }
+    void setModemClassCaption(int option, const QString &caption) override { classCaptions[option] = caption; }
+    void setLblCurrentClass(const QString &t) override { currentClass = t; }
+    void setModemSetupButtonsEnabled(bool e) override { modemButtonsEnabled = e; }
+    bool chkDetailModemLogging() const override { return detailLogging; }
+    void setFaxListEnabled(bool e) override { faxListEnabled = e; }
+    QString txtTestRcpFName() const override { return testFaxName; }
+    QString txtTestFaxNumber() const override { return testFaxNumber; }
+    QString txtTestFaxMessage() const override { return testFaxMessage; }
+    void showPanelMessage(const QString &t) override { panelMessage = t; }
     // TrayPort
     void setWindowImage(int i) override { image = i; }
     void setCaption(const QString &c) override { caption = c; }
@@ -76,6 +92,10 @@ public:
     int levels[8] = {-1, -1, -1, -1, -1, -1, -1, -1};
     QString testTo, testSubject, testMessage, testEmailProg, testFaxProg, caption;
     QStringList messages;
+    QString faxDevice, initString, classCaptions[4], currentClass, testFaxName, testFaxNumber, testFaxMessage,
+        panelMessage;
+    int classOption = 0;
+    bool advModemOpen = false, modemButtonsEnabled = false, detailLogging = false, faxListEnabled = true;
     osprel::LevelFrameValues frames[3];
     bool pageChanged[3] = {};
     bool editorOpen = false;

@@ -11,6 +11,7 @@ QProcessEnvironment PrivateBus::serverEnvironment(const QString &home, double ti
     env.insert(QStringLiteral("OSPREL_HOME"), home);
     env.insert(QStringLiteral("OSPREL_TIME_SCALE"), QString::number(timeScale));
     env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    env.insert(QStringLiteral("OSPREL_FAX_SYSTEM_PORTS"), QStringLiteral("0")); // no probing of the machine's ports
     env.remove(QStringLiteral("DISPLAY"));
     env.remove(QStringLiteral("WAYLAND_DISPLAY"));
     env.remove(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"));

@@ -163,6 +163,10 @@ void FaxEngine::finishCall(int errorCode, const QString &detail, State after)
     const FaxEvent done = event(FaxEvent::CompletionKind);
     Q_EMIT EndTime(end);
     Q_EMIT CompletionStatus(done);
+    // Finished lasts while the outcome is handed over; then the device is free again, unless a handler has
+    // already started the next fax.
+    if (m_state == Finished)
+        m_state = Idle;
 }
 
 void FaxEngine::stop()

@@ -41,7 +41,8 @@ public:
     QString fileToSend() const { return m_file; }
     void setLineFactory(LineFactory factory);
 
-    // 1 idle, 2 in a call (from send() until the completion), 3 finished; 1 and 3 are free for a new fax.
+    // 1 idle, 2 in a call (from send() until the completion), 3 finished while the completion is delivered, then
+    // idle again; 1 and 3 are free for a new fax.
     int state() const { return m_state; }
     // Starts the fax on the event loop and returns at once; false (and no events) when a fax is in progress.
     // Whatever goes wrong afterwards ends in CompletionStatus with a non-zero error code.

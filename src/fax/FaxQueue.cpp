@@ -1,0 +1,253 @@
+#include "FaxQueue.h"
+
+#include "Conversions.h"
+#include "Database.h"
+#include "ErrorReport.h"
+#include "FaxDevice.h"
+#include "FaxEngine.h"
+#include "FaxPage.h"
+#include "FaxPort.h"
+#include "FormLists.h"
+#include "FormTimers.h"
+#include "Globals.h"
+#include "Log.h"
+#include "QueueRoutines.h"
+#include "Values.h"
+
+#include <QSqlQuery>
+#include <QVariant>
+
+namespace osprel {
+
+namespace {
+const QString kStars = QStringLiteral("***********************************************");
+
+void faxLog(const QString &line)
+{
+    DumpStr(line, Log::FaxList);
+}
+
+QString when(const QDateTime &moment)
+{
+    return moment.isValid() ? generalDateTime(moment) : QString();
+}
+} // namespace
+
+FaxQueue::FaxQueue(FaxEngine &engine, FaxDevice &device, FormLists &lists, FormTimers &timers, const Database &database,
+                   FaxPort &port, QObject *parent)
+    : QObject(parent), m_engine(engine), m_device(device), m_lists(lists), m_timers(timers), m_database(database),
+      m_port(port)
+{
+    connect(&m_timers.TimerFaxMsgQue, &QTimer::timeout, this, &FaxQueue::TimerFaxMsgQue_Timer);
+    for (auto signal : {&FaxEngine::Status, &FaxEngine::NegotiatedParms, &FaxEngine::StartTime, &FaxEngine::EndTime})
+        connect(&m_engine, signal, this, &FaxQueue::onProgress);
+    connect(&m_engine, &FaxEngine::Pages, this, &FaxQueue::onPages);
+    connect(&m_engine, &FaxEngine::CompletionStatus, this, &FaxQueue::FaxmanJr1_CompletionStatus);
+    connect(&m_engine, &FaxEngine::Message, this, &FaxQueue::onMessage);
+}
+
+void FaxQueue::TimerFaxMsgQue_Timer()
+{
+    guarded(QStringLiteral("TimerFaxMsgQue_Timer"), [&] {
+        ListStore &queue = m_lists.lvwSendFaxQue;
+        // Stricter than SendFax: only an idle device (state 1) takes the next fax from here.
+        if (g.gintFaxSendState == 0 && !queue.isEmpty() && !m_lists.lvwFaxContacts.isEmpty() &&
+            m_port.chkEnableFax() && m_engine.state() <= FaxEngine::Idle) {
+            const RecipientRec recipient = LVWGetFirstFaxQueContact(m_lists);
+            WriteToFile(queue.text(1, 2).split(QStringLiteral("\r\n")), recipient);
+            CreateFaxImage();
+            m_engine.setNumber(QStringLiteral("1") + recipient.FaxNumber); // always with the long-distance 1
+            SendFax();
+            if (m_lists.lvwHist[1].count() > 100)
+                LVWClearHistoryHalf(m_lists, 1);
+            const QStringList fields = Split(queue.text(1, 7), QStringLiteral("|"));
+            auto field = [&fields](int i) { return Trim(element(fields, i)); };
+            m_lists.lvwHist[1].insert(1, QStringList{GetDateTimeStamp(), QStringLiteral("Finding Device"), field(1),
+                                                     recipient.FaxNumber, field(2), field(3), field(4), field(0)});
+        }
+        if (faxNotice && !m_device.gblnFaxDeviceFound) {
+            faxNotice = false;
+            m_port.setChkEnableFax(false);
+            m_port.showPanelMessage(
+                QStringLiteral("When you last exited the Vantor32 program you had Fax Messaging enabled.  ") +
+                QStringLiteral("If you would like to have Fax Messaging enabled for this session, you must go to the "
+                               "'Comm Setup' tab and press the 'Find Device' button.  "));
+        }
+    });
+}
+
+void FaxQueue::SendFax()
+{
+    guarded(QStringLiteral("SendFax"), [&] {
+        const int state = m_engine.state();
+        if (state != FaxEngine::Finished && state != FaxEngine::Idle) {
+            faxLog(QStringLiteral("!!!!! Device currently in use !!!!!"));
+            return; // the job stays queued for a later tick
+        }
+        m_engine.setFileToSend(faxImagePath());
+        if (m_engine.send())
+            g.gintFaxSendState = 1; // in flight until the engine's completion
+        faxLog(QString());
+        faxLog(kStars);
+        faxLog(QStringLiteral("****         Sending New Fax               ****"));
+        faxLog(kStars);
+    });
+}
+
+QString FaxQueue::GetFaxStatus(const FaxEvent &e)
+{
+    QString line;
+    guarded(QStringLiteral("GetFaxStatus"), [&] {
+        switch (e.kind) { // kinds are tested in the order 6, 5, 2, 3, 7, 4, 1, 8
+        case FaxEvent::CompletionKind:
+            line = QStringLiteral("All Done: ") + e.completionText;
+            if (e.completionCode % 100 != 0)
+                line += u' ' + FaxEngine::errorText(e.completionCode);
+            break;
+        case FaxEvent::EndTimeKind:
+            line = QStringLiteral("End Time: ") + when(e.endTime);
+            break;
+        case FaxEvent::NegotiatedKind:
+            line = QStringLiteral("Negotiated Parameters:") + QStringLiteral(" Speed=") + e.speed +
+                   QStringLiteral(" Res=") + e.resolution + QStringLiteral(" RemoteID=") + e.remoteId;
+            break;
+        case FaxEvent::PagesKind:
+            line = QStringLiteral("Page ") + QString::number(e.page) + QStringLiteral(" of ") + QString::number(e.pageCount);
+            break;
+        case FaxEvent::FileNameKind:
+            line = QStringLiteral("FileName: ") + e.fileName;
+            break;
+        case FaxEvent::StartTimeKind:
+            line = QStringLiteral("StartTime: ") + when(e.startTime);
+            break;
+        case FaxEvent::StatusKind:
+            line = QStringLiteral("Fax Status: ") + e.statusText;
+            if (e.statusCode >= 1)
+                line += u' ' + FaxEngine::statusText(e.statusCode);
+            break;
+        case FaxEvent::MessageKind:
+            line = e.statusText;
+            break;
+        default:
+            break;
+        }
+    });
+    return line;
+}
+
+void FaxQueue::onProgress(const FaxEvent &event)
+{
+    guarded(QStringLiteral("FaxmanJr1_Status"), [&] { faxLog(GetFaxStatus(event)); });
+}
+
+void FaxQueue::onPages(const FaxEvent &event)
+{
+    guarded(QStringLiteral("FaxmanJr1_Pages"), [&] {
+        if (!m_lists.lvwHist[1].isEmpty())
+            m_lists.lvwHist[1].setText(1, 2, QStringLiteral("Sending"));
+        faxLog(GetFaxStatus(event));
+    });
+}
+
+void FaxQueue::FaxmanJr1_CompletionStatus(const FaxEvent &e)
+{
+    guarded(QStringLiteral("FaxmanJr1_CompletionStatus"), [&] {
+        if (m_hangingUp)
+            return; // the call the refresh gave up: its outcome is recorded already
+        const QString result = QString::number(e.errorCode) + u' ' + e.errorText;
+        g.gintFaxSendState = e.errorCode > 0 ? 4 : 3;
+        faxLog(GetFaxStatus(e));
+        faxLog(kStars);
+        faxLog(QStringLiteral("****           Completed Fax               ****"));
+        faxLog(kStars);
+        faxLog(QStringLiteral("*** RemoteID: ") + e.remoteId);
+        if (!e.fileName.isEmpty())
+            faxLog(QStringLiteral("*** Receive Filename: ") + e.fileName);
+        faxLog(QStringLiteral("*** Connect Speed: ") + e.speed);
+        faxLog(QStringLiteral("*** Resolution: ") + e.resolution);
+        faxLog(QStringLiteral("*** Status: ") + e.statusText);
+        faxLog(QStringLiteral("*** Start Time: ") + when(e.startTime));
+        faxLog(QStringLiteral("*** End Time: ") + when(e.endTime));
+        faxLog(QStringLiteral("*** Pages: ") + QString::number(e.pageCount));
+        if (e.errorCode > 0) {
+            faxLog(QStringLiteral("*** Error: ") + result);
+            faxLog(kStars);
+            faxLog(QStringLiteral("*** Fax send failed"));
+        } else {
+            faxLog(QStringLiteral("*** No Error: Sent Successfully ") + result);
+            faxLog(kStars);
+            faxLog(QStringLiteral("*** Fax sent successfully"));
+        }
+        faxLog(kStars);
+        faxLog(QString());
+    });
+}
+
+// The modem dialogue reaches the log only with detail logging on, one line per message.
+void FaxQueue::onMessage(const QString &text, bool endOfMessage)
+{
+    if (!m_port.chkDetailModemLogging())
+        return;
+    m_detail += text;
+    if (endOfMessage && !m_detail.isEmpty()) {
+        faxLog(QStringLiteral("Detail Log: ") + m_detail);
+        m_detail.clear();
+    }
+}
+
+void FaxQueue::cmdTestFax_Click()
+{
+    guarded(QStringLiteral("cmdTestFax_Click"), [&] {
+        const QString name = m_port.txtTestRcpFName(), number = m_port.txtTestFaxNumber();
+        if (Trim(name).isEmpty() || Trim(number).isEmpty()) {
+            m_port.showMessage(QStringLiteral("Test Fax Warning"),
+                               QStringLiteral("You must enter a valid name & fax number before sending a test fax."));
+            return;
+        }
+        m_port.setTxtTestFaxProg(QStringLiteral("Initializing..."));
+        RecipientRec recipient;
+        recipient.FirstName = Trim(name);
+        recipient.FaxNumber = Trim(number);
+        WriteToFile(m_port.txtTestFaxMessage().split(QStringLiteral("\r\n")), recipient);
+        CreateFaxImage();
+        m_device.FindDevice();
+        g.gblnFaxTest = true;
+        m_engine.setNumber(recipient.FaxNumber);
+        SendFax();
+    });
+}
+
+void FaxQueue::chkEnableFax_Click()
+{
+    guarded(QStringLiteral("chkEnableFax_Click"), [&] {
+        bool enabled = m_port.chkEnableFax();
+        if (enabled && !m_device.gblnFaxDeviceFound) {
+            m_port.setChkEnableFax(false);
+            m_port.showMessage(QStringLiteral("No Fax Device"),
+                               QStringLiteral("No fax device has been found.  Press 'Find Device' on the 'Comm Setup' "
+                                              "tab to search for the fax modem, then switch fax messaging on."));
+            enabled = false;
+        }
+        m_port.setFaxListEnabled(enabled);
+        QSqlQuery row = m_database.run(QStringLiteral("SELECT rowid FROM SetupComm ORDER BY rowid LIMIT 1"));
+        if (!row.next())
+            raise(Err::NoCurrentRecord);
+        const qint64 rowid = row.value(0).toLongLong();
+        row.finish();
+        m_database.run(QStringLiteral("UPDATE SetupComm SET FaxEnabledAtBoot = ? WHERE rowid = ?"), {enabled ? 1 : 0, rowid});
+    });
+}
+
+int FaxQueue::faxStatus() const
+{
+    return m_engine.state();
+}
+
+void FaxQueue::endCall()
+{
+    m_hangingUp = true;
+    m_engine.stop();
+    m_hangingUp = false;
+}
+
+} // namespace osprel
