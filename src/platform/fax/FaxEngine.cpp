@@ -11,6 +11,7 @@
 #include "QtSerialLine.h"
 
 #include <QFile>
+#include <QGuiApplication>
 #include <QTimer>
 
 namespace osprel {
@@ -198,6 +199,12 @@ void FaxEngine::closeLine()
 
 bool FaxEngine::convertText(const QString &textPath, const QString &imagePath, QString *error)
 {
+    // Fonts are drawn by Qt GUI: without its application object there is nothing to draw text with.
+    if (!qobject_cast<QGuiApplication *>(QCoreApplication::instance())) {
+        if (error)
+            *error = QStringLiteral("text pages need the GUI application");
+        return false;
+    }
     QFile file(textPath);
     if (!file.open(QIODevice::ReadOnly)) {
         if (error)

@@ -1,0 +1,69 @@
+// From alarm to fax: an alert handed in over a real private bus becomes a fax that the server sends through a
+// software fax modem (spandsp's T.31) to a receiving fax terminal; the page arrives, the history records it, and
+// the chamber program hears of it.
+
+#include "FaxDevice.h"
+#include "FaxFinder.h"
+#include "Globals.h"
+#include "InProcessServer.h"
+#include "SoftModem.h"
+
+#include <QProcess>
+#include <QSqlQuery>
+#include <QtTest>
+
+using namespace osprel;
+using osprel::faxlab::SoftModem;
+
+class TestFaxE2E : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void anAlertArrivesAsAFax()
+    {
+        QTemporaryDir lab;
+        SoftModem::Options options;
+        options.linkPath = lab.filePath(QStringLiteral("ttyFAX0"));
+        options.receivedTiff = lab.filePath(QStringLiteral("received.tif"));
+        SoftModem modem(options);
+        QString error;
+        QVERIFY2(modem.start(&error), qPrintable(error));
+
+        InProcessServer fixture(0.05);
+        QVERIFY2(fixture.start([](Database &db) {
+            db.run(QStringLiteral("INSERT INTO Contacts (LastName, FirstName, FaxEnabled, FaxNumber)"
+                                  " VALUES ('Roe', 'Al', 1, '5550002222')"));
+        }, &error), qPrintable(error));
+        EmailFaxServer &server = fixture.server();
+        server.faxFinder().setSearchSystemPorts(false);
+        server.faxFinder().setExtraPaths({modem.linkPath()});
+        server.faxDevice().FindDevice();
+        QVERIFY(server.faxDevice().gblnFaxDeviceFound);
+        QVERIFY(fixture.window().chkEnableFax()); // a device and a fax recipient: fax messaging comes on
+
+        QVERIFY(fixture.link());
+        QVERIFY(fixture.sendAlert(QStringLiteral("31|4;Chamber 4;Walk-in;On;QLM V;T/H;Running;Yes|999;CH1 actual high|"
+                                                 "85;91;100;0|60;58;40;0|5005|9:55 pm")));
+        QTRY_COMPARE_WITH_TIMEOUT(fixture.events(QStringLiteral("AlertStatus")).size(), 1, 60000);
+        QCOMPARE(fixture.events(QStringLiteral("AlertStatus")).first().arguments(), QVariantList({31, short(2), true}));
+
+        const SoftModem::Result received = modem.result();
+        QCOMPARE(received.dialled, QStringLiteral("15550002222"));
+        QCOMPARE(received.pages, 1);
+        QCOMPARE(received.badRows, 0);
+        QProcess info;
+        info.start(QStringLiteral("tiffinfo"), {options.receivedTiff});
+        QVERIFY(info.waitForFinished(10000));
+        QCOMPARE(info.readAllStandardOutput().count("TIFF Directory"), 1);
+
+        QCOMPARE(server.lists().lvwHist[1].text(1, 2), QStringLiteral("Sent"));
+        QVERIFY(server.lists().lvwSendFaxQue.isEmpty());
+        QSqlQuery row = server.database().run(QStringLiteral("SELECT Status || '|' || Address || '|' || AlarmID FROM FaxHistory"));
+        QVERIFY(row.next());
+        QCOMPARE(row.value(0).toString(), QStringLiteral("Sent|5550002222|31"));
+        QVERIFY(fixture.server().log().lstFaxStatus()->stringList().contains(QStringLiteral("*** Fax sent successfully")));
+    }
+};
+
+QTEST_MAIN(TestFaxE2E)
+#include "tst_fax_e2e.moc"
