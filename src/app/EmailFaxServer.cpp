@@ -16,8 +16,8 @@
 #include "Log.h"
 #include "PrioritySetup.h"
 #include "PriorityStore.h"
-#include "Recipients.h"
 #include "RecipientString.h"
+#include "Recipients.h"
 #include "SendStatus.h"
 #include "SmtpClient.h"
 #include "TrayState.h"
@@ -61,8 +61,8 @@ void EmailFaxServer::setPort(FormPort *port)
     m_emailQueue = std::make_unique<EmailQueue>(m_lists, m_timers, m_database, *m_smtp, *port);
     m_priorities = std::make_unique<PriorityStore>(m_database, *port);
     m_alarms = std::make_unique<AlarmQueue>(m_database, m_lists, m_timers, *port);
-    m_dispatcher = std::make_unique<Dispatcher>(m_lists, m_timers, *m_priorities, *m_alarms, *port, m_link,
-                                                sendStatUpdate);
+    m_dispatcher =
+        std::make_unique<Dispatcher>(m_lists, m_timers, *m_priorities, *m_alarms, *port, m_link, sendStatUpdate);
     m_recipients = std::make_unique<Recipients>(m_lists, m_database, *port);
     m_prioritySetup = std::make_unique<PrioritySetup>(*m_priorities, *m_alarms, m_lists, m_timers, *port);
     m_commSetup = std::make_unique<CommSetup>(m_database, *port);

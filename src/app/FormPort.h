@@ -23,7 +23,6 @@ class FormPort : public CommSetupPort,
                  public TrayPort
 {
 public:
-
     // Layout presets made once at load.
     virtual void setPlacement(int heightTwips, int widthTwips) = 0;
     virtual void setTestFields(const QString &emailTo, const QString &emailSubject, const QString &emailMessage,

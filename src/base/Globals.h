@@ -18,16 +18,16 @@ struct Globals
     QString gstrAlertLabels[22];   // alert field labels handed in by the chamber program
     qint16 gintEmailSendState = 0; // 0 idle, 1 sending, 3 sent, 4 failed
     qint16 gintFaxSendState = 0;
-    qint16 gintStatusWord = 0; // cleared at load
-    bool gblnEmailTest = false;     // a test e-mail is on its way
-    bool gblnFaxTest = false;       // a test fax is on its way
-    qint32 glngEmailAttempts = 0;   // failed attempts of the e-mail at the head of its queue
-    qint32 glngEmailTicks = 0;      // status refreshes while an e-mail is being sent
-    qint32 glngFaxTicks = 0;        // status refreshes while a fax is being sent
-    qint16 gintFlashMode = 0;  // tray flashing: 0 none, 1 sent, 2 failed
-    qint16 gintIconState = 0;  // tray alert state: 0 normal, 1 sent, 2 failed
-    QString gstrEmailRecipients; // every e-mail recipient's address, each followed by "; "
-    QString gstrAppPath;       // the data folder, without a trailing separator
+    qint16 gintStatusWord = 0;    // cleared at load
+    bool gblnEmailTest = false;   // a test e-mail is on its way
+    bool gblnFaxTest = false;     // a test fax is on its way
+    qint32 glngEmailAttempts = 0; // failed attempts of the e-mail at the head of its queue
+    qint32 glngEmailTicks = 0;    // status refreshes while an e-mail is being sent
+    qint32 glngFaxTicks = 0;      // status refreshes while a fax is being sent
+    qint16 gintFlashMode = 0;     // tray flashing: 0 none, 1 sent, 2 failed
+    qint16 gintIconState = 0;     // tray alert state: 0 normal, 1 sent, 2 failed
+    QString gstrEmailRecipients;  // every e-mail recipient's address, each followed by "; "
+    QString gstrAppPath;          // the data folder, without a trailing separator
 };
 
 extern Globals g;

@@ -34,7 +34,8 @@ public:
     void clearRows();
 
 private:
-    struct Header {
+    struct Header
+    {
         QString caption;
         int widthTwips;
     };

@@ -19,8 +19,7 @@ RecipientRec LVWGetFirstFaxQueContact(const FormLists &lists)
 
 void LVWSendFirstFaxQueueToLast(FormLists &lists)
 {
-    guarded(QStringLiteral("LVWSendFirstFaxQueueToLast"),
-            [&] { lists.lvwSendFaxQue.add(lists.lvwSendFaxQue.row(1)); });
+    guarded(QStringLiteral("LVWSendFirstFaxQueueToLast"), [&] { lists.lvwSendFaxQue.add(lists.lvwSendFaxQue.row(1)); });
 }
 
 void LVWClearHistoryHalf(FormLists &lists, int histIndex)

@@ -68,18 +68,17 @@ void Dispatcher::dispatchHead()
     const bool sendNow = level != LevelIgnore && info.Immediate;
 
     if (sendNow && m_switches.chkEnableEmail() && !m_lists.lvwEmailContacts.isEmpty()) {
-        m_lists.lvwSendEmailQue.add(QStringList{GetDateTimeStamp(), message, summary.chamberName,
-                                                g.gstrEmailRecipients, QStringLiteral("0"), summary.categoryName,
-                                                summaryLine, summary.alertNumber});
+        m_lists.lvwSendEmailQue.add(QStringList{GetDateTimeStamp(), message, summary.chamberName, g.gstrEmailRecipients,
+                                                QStringLiteral("0"), summary.categoryName, summaryLine,
+                                                summary.alertNumber});
         m_timers.TimerEmailMsgQue.start();
     }
     if (sendNow && m_switches.chkEnableFax() && !m_lists.lvwFaxContacts.isEmpty()) {
         const ListStore &recipients = m_lists.lvwFaxContacts;
         for (int j = 1; j <= recipients.count(); ++j) {
-            m_lists.lvwSendFaxQue.add(QStringList{GetDateTimeStamp(), message, summary.chamberName,
-                                                  recipients.text(j, 3), QStringLiteral("0"), summary.categoryName,
-                                                  summaryLine, recipients.text(j, 1), recipients.text(j, 2),
-                                                  summary.alertNumber});
+            m_lists.lvwSendFaxQue.add(QStringList{
+                GetDateTimeStamp(), message, summary.chamberName, recipients.text(j, 3), QStringLiteral("0"),
+                summary.categoryName, summaryLine, recipients.text(j, 1), recipients.text(j, 2), summary.alertNumber});
             m_timers.TimerFaxMsgQue.start();
         }
     }

@@ -17,8 +17,8 @@ class EmailQueue : public QObject
 {
     Q_OBJECT
 public:
-    EmailQueue(FormLists &lists, FormTimers &timers, const Database &database, SmtpClient &smtp,
-               EmailQueuePort &port, QObject *parent = nullptr);
+    EmailQueue(FormLists &lists, FormTimers &timers, const Database &database, SmtpClient &smtp, EmailQueuePort &port,
+               QObject *parent = nullptr);
 
     void TimerEmailMsgQue_Timer();
     void cmdTestEmail_Click();

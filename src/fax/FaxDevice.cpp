@@ -96,7 +96,8 @@ void FaxDevice::chooseClass(const FaxDeviceInfo &device)
 
 void FaxDevice::loadModemSettings()
 {
-    QSqlQuery row = m_database.run(QStringLiteral("SELECT DevInitStr, ClassOptBtn FROM SetupModem ORDER BY rowid LIMIT 1"));
+    QSqlQuery row =
+        m_database.run(QStringLiteral("SELECT DevInitStr, ClassOptBtn FROM SetupModem ORDER BY rowid LIMIT 1"));
     if (!row.next())
         raise(Err::NoCurrentRecord);
     m_port.setTxtConStr(textOf(row, "DevInitStr"));

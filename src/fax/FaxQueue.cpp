@@ -51,8 +51,8 @@ void FaxQueue::TimerFaxMsgQue_Timer()
     guarded(QStringLiteral("TimerFaxMsgQue_Timer"), [&] {
         ListStore &queue = m_lists.lvwSendFaxQue;
         // Stricter than SendFax: only an idle device (state 1) takes the next fax from here.
-        if (g.gintFaxSendState == 0 && !queue.isEmpty() && !m_lists.lvwFaxContacts.isEmpty() &&
-            m_port.chkEnableFax() && m_engine.state() <= FaxEngine::Idle) {
+        if (g.gintFaxSendState == 0 && !queue.isEmpty() && !m_lists.lvwFaxContacts.isEmpty() && m_port.chkEnableFax() &&
+            m_engine.state() <= FaxEngine::Idle) {
             const RecipientRec recipient = LVWGetFirstFaxQueContact(m_lists);
             WriteToFile(queue.text(1, 2).split(QStringLiteral("\r\n")), recipient);
             CreateFaxImage();
@@ -112,7 +112,8 @@ QString FaxQueue::GetFaxStatus(const FaxEvent &e)
                    QStringLiteral(" Res=") + e.resolution + QStringLiteral(" RemoteID=") + e.remoteId;
             break;
         case FaxEvent::PagesKind:
-            line = QStringLiteral("Page ") + QString::number(e.page) + QStringLiteral(" of ") + QString::number(e.pageCount);
+            line = QStringLiteral("Page ") + QString::number(e.page) + QStringLiteral(" of ") +
+                   QString::number(e.pageCount);
             break;
         case FaxEvent::FileNameKind:
             line = QStringLiteral("FileName: ") + e.fileName;
@@ -234,7 +235,8 @@ void FaxQueue::chkEnableFax_Click()
             raise(Err::NoCurrentRecord);
         const qint64 rowid = row.value(0).toLongLong();
         row.finish();
-        m_database.run(QStringLiteral("UPDATE SetupComm SET FaxEnabledAtBoot = ? WHERE rowid = ?"), {enabled ? 1 : 0, rowid});
+        m_database.run(QStringLiteral("UPDATE SetupComm SET FaxEnabledAtBoot = ? WHERE rowid = ?"),
+                       {enabled ? 1 : 0, rowid});
     });
 }
 

@@ -52,8 +52,8 @@ private:
     FormTimers &m_timers;
     const Database &m_database;
     FaxPort &m_port;
-    QString m_detail;          // the modem dialogue gathered for one detail log line
-    bool m_hangingUp = false;  // the refresh ends a failed call: its own completion is not a new outcome
+    QString m_detail;         // the modem dialogue gathered for one detail log line
+    bool m_hangingUp = false; // the refresh ends a failed call: its own completion is not a new outcome
 };
 
 } // namespace osprel

@@ -6,8 +6,13 @@
 
 namespace osprel {
 
-enum ReportInterval : qint32 { IntervalNone = -1, IntervalMinute = 0, IntervalHourly = 1, IntervalDaily = 2,
-                               IntervalWeekly = 3 };
+enum ReportInterval : qint32 {
+    IntervalNone = -1,
+    IntervalMinute = 0,
+    IntervalHourly = 1,
+    IntervalDaily = 2,
+    IntervalWeekly = 3
+};
 enum PriorityLevel : qint16 { LevelHigh = 0, LevelMid = 1, LevelLow = 2, LevelIgnore = 3 };
 
 struct LevelRecord

@@ -11,7 +11,8 @@
 namespace osprel {
 
 namespace {
-const char *const kWeekdays[8] = {"Sunday", "Monday", "Tuesday", "Wednesday", "Thursday", "Friday", "Saturday", "Daily"};
+const char *const kWeekdays[8] = {"Sunday",   "Monday", "Tuesday",  "Wednesday",
+                                  "Thursday", "Friday", "Saturday", "Daily"};
 const char *const kLevelKeys[3] = {"HighPri", "MidPri", "LowPri"};
 
 // The sample alert of the test button, in the comma-and-semicolon form the chamber program's first sample used.

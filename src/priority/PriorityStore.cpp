@@ -109,10 +109,10 @@ void PriorityStore::DBAddCatPriority()
 void PriorityStore::DBAddPriority(const LevelRecord &d, const QString &Key)
 {
     guarded(QStringLiteral("DBAddPriority"), [&] {
-        const int id = Key == QLatin1String("HighPri") ? 0
+        const int id = Key == QLatin1String("HighPri")  ? 0
                        : Key == QLatin1String("MidPri") ? 1
                        : Key == QLatin1String("LowPri") ? 2
-                                                         : -1;
+                                                        : -1;
         if (id < 0)
             raise(Err::CommandTextNotSet); // an unknown key leaves the query without text
         QSqlQuery row = m_database.run(

@@ -69,7 +69,8 @@ void AlarmQueue::DBGetAlmMsg(qint16 Level, qint16 Mode)
             QStringLiteral("SELECT rowid, AlarmString, Catagory FROM AlarmMsgs WHERE OverWrite = FALSE AND Priority = ?"
                            " ORDER BY rowid"),
             {Level});
-        struct Row {
+        struct Row
+        {
             qint64 rowid;
             QString text;
             qint64 category;

@@ -12,7 +12,7 @@
 namespace osprel {
 
 namespace {
-constexpr int kHistoryLimit = 100; // more rows than this at start-up ...
+constexpr int kHistoryLimit = 100;              // more rows than this at start-up ...
 constexpr int kHistoryKeep = kHistoryLimit / 2; // ... are cut to this many, the newest
 
 void loadContacts(const Database &database, FormLists &lists)

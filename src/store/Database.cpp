@@ -37,8 +37,8 @@ bool Database::DBInitADO(const QString &folder)
         if (existed && !(QFileInfo(m_path).permissions() & QFileDevice::WriteOwner))
             database.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
         if (!database.open())
-            raise(Err::ProviderError, QStringLiteral("Could not open '") + m_path + QStringLiteral("': ") +
-                                          database.lastError().text());
+            raise(Err::ProviderError,
+                  QStringLiteral("Could not open '") + m_path + QStringLiteral("': ") + database.lastError().text());
         // A file that is not a database opens, and fails on its first read.
         QSqlQuery probe(database);
         if (!probe.exec(QStringLiteral("SELECT count(*) FROM sqlite_master"))) {

@@ -39,7 +39,8 @@ const char *const kTables[] = {
 //                                    COMM CONTROLLER APPLICATION RESPONSE PARSE CHAMBER PROGRAM STATUS
 const char *const kCategoryLevels[8] = {"0", "0", "1", "2", "2", "0", "1", "2"};
 
-struct LevelDefault {
+struct LevelDefault
+{
     int immediate, onceEvery, hourMin, dayHour, weekDay;
 };
 // High: at once. Mid: at once, and an hourly summary on the hour. Low: a daily summary at 08:00.
@@ -72,7 +73,8 @@ void createSchema(QSqlDatabase &database, int poolSize)
         exec(query, QStringLiteral("INSERT INTO SetupModem (DevInitStr, ClassOptBtn) VALUES (?, ?)"),
              {QStringLiteral("AT&FE0V1&C1&D2S0=0"), 0});
         for (const char *level : kCategoryLevels)
-            exec(query, QStringLiteral("INSERT INTO SetupPriority (PLevelID) VALUES (?)"), {QString::fromLatin1(level)});
+            exec(query, QStringLiteral("INSERT INTO SetupPriority (PLevelID) VALUES (?)"),
+                 {QString::fromLatin1(level)});
         for (int id = 0; id < 3; ++id) {
             const LevelDefault &d = kLevels[id];
             exec(query,

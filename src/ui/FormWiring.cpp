@@ -6,11 +6,11 @@
 #include "EmailQueue.h"
 #include "FaxDevice.h"
 #include "FaxQueue.h"
-#include "pages/AdvModemPanel.h"
 #include "ListView.h"
 #include "MainWindow.h"
 #include "PrioritySetup.h"
 #include "Recipients.h"
+#include "pages/AdvModemPanel.h"
 #include "pages/AlarmSetupPage.h"
 #include "pages/CommSetupPage.h"
 #include "pages/ContactEditor.h"
@@ -29,8 +29,7 @@ namespace osprel {
 
 namespace {
 // Every handler is reached through the server when the control is used: the procedures exist by then.
-template <typename Handler>
-void onClick(QPushButton *button, MainWindow &window, Handler handler)
+template <typename Handler> void onClick(QPushButton *button, MainWindow &window, Handler handler)
 {
     QObject::connect(button, &QPushButton::clicked, &window, handler);
 }
@@ -53,14 +52,17 @@ void wireFax(MainWindow &window, EmailFaxServer &server)
     onClick(page->cmdFindDevice, window, [&server] { server.faxDevice().FindDevice(); });
     onClick(page->cmdAdvSetup, window, [&server] { server.faxDevice().cmdAdvSetup_Click(); });
     onClick(page->cmdTestFax, window, [&server] { server.faxQueue().cmdTestFax_Click(); });
-    QObject::connect(page->chkEnableFax, &QCheckBox::clicked, &window, [&server] { server.faxQueue().chkEnableFax_Click(); });
+    QObject::connect(page->chkEnableFax, &QCheckBox::clicked, &window,
+                     [&server] { server.faxQueue().chkEnableFax_Click(); });
     AdvModemPanel *panel = window.advModemPanel();
     onClick(panel->cmdDefaultInitStr, window, [&server] { server.faxDevice().cmdDefaultInitStr_Click(); });
     onClick(panel->cmdAcceptModemSetup, window, [&server] { server.faxDevice().cmdAcceptModemSetup_Click(); });
     onClick(panel->cmdCancelModemSetup, window, [&server] { server.faxDevice().cmdCancelModemSetup_Click(); });
     onClick(panel->cmdTalkToMe, window, [&server] { server.faxDevice().cmdTalkToMe_Click(); });
-    QObject::connect(panel->modemClass, &QButtonGroup::idClicked, &window, [&server] { server.faxDevice().modemSetupChanged(); });
-    QObject::connect(panel->txtConStr, &QLineEdit::textEdited, &window, [&server] { server.faxDevice().modemSetupChanged(); });
+    QObject::connect(panel->modemClass, &QButtonGroup::idClicked, &window,
+                     [&server] { server.faxDevice().modemSetupChanged(); });
+    QObject::connect(panel->txtConStr, &QLineEdit::textEdited, &window,
+                     [&server] { server.faxDevice().modemSetupChanged(); });
 }
 
 void wireAlarmSetup(MainWindow &window, EmailFaxServer &server)
@@ -77,7 +79,8 @@ void wireAlarmSetup(MainWindow &window, EmailFaxServer &server)
 
     PriorityPage *priority = window.priorityPage();
     for (LevelFrame *frame : priority->fraPriorityDef)
-        QObject::connect(frame, &LevelFrame::changed, &window, [&server] { server.prioritySetup().SetPrioritySetupChanged(); });
+        QObject::connect(frame, &LevelFrame::changed, &window,
+                         [&server] { server.prioritySetup().SetPrioritySetupChanged(); });
     onClick(priority->cmdAcceptPriority, window, [&server] { server.prioritySetup().cmdAcceptPriority_Click(); });
     onClick(priority->cmdCancelPriority, window, [&server] { server.prioritySetup().cmdCancelPriority_Click(); });
 }
@@ -92,18 +95,21 @@ void wireRecipients(MainWindow &window, EmailFaxServer &server)
     onClick(page->cmdRemEmailAdr, window, [&server] { server.recipients().cmdRemEmailAdr_Click(); });
     onClick(page->cmdAddFaxAdr, window, [&server] { server.recipients().cmdAddFaxAdr_Click(); });
     onClick(page->cmdRemFaxAdr, window, [&server] { server.recipients().cmdRemFaxAdr_Click(); });
-    QObject::connect(page->lvwMainContacts, &QAbstractItemView::clicked, &window,
-                     [&server](const QModelIndex &index) { server.recipients().lvwMainContacts_ItemClick(index.row() + 1); });
+    QObject::connect(page->lvwMainContacts, &QAbstractItemView::clicked, &window, [&server](const QModelIndex &index) {
+        server.recipients().lvwMainContacts_ItemClick(index.row() + 1);
+    });
     // The selected row counts too when it moves by keyboard.
     QObject::connect(page->lvwMainContacts->selectionModel(), &QItemSelectionModel::currentRowChanged, &window,
                      [&server](const QModelIndex &current) {
                          if (current.isValid())
                              server.recipients().lvwMainContacts_ItemClick(current.row() + 1);
                      });
-    QObject::connect(page->lvwEmailContacts, &QAbstractItemView::clicked, &window,
-                     [&server](const QModelIndex &index) { server.recipients().lvwEmailContacts_ItemClick(index.row() + 1); });
-    QObject::connect(page->lvwFaxContacts, &QAbstractItemView::clicked, &window,
-                     [&server](const QModelIndex &index) { server.recipients().lvwFaxContacts_ItemClick(index.row() + 1); });
+    QObject::connect(page->lvwEmailContacts, &QAbstractItemView::clicked, &window, [&server](const QModelIndex &index) {
+        server.recipients().lvwEmailContacts_ItemClick(index.row() + 1);
+    });
+    QObject::connect(page->lvwFaxContacts, &QAbstractItemView::clicked, &window, [&server](const QModelIndex &index) {
+        server.recipients().lvwFaxContacts_ItemClick(index.row() + 1);
+    });
     ContactEditor *editor = window.contactEditor();
     onClick(editor->cmdContactsOK, window, [&server] { server.recipients().cmdContactsOK_Click(); });
     onClick(editor->cmdContactsCancel, window, [&server] { server.recipients().cmdContactsCancel_Click(); });

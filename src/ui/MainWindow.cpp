@@ -2,19 +2,19 @@
 
 #include "EmailFaxServer.h"
 #include "EmailQueue.h"
-#include "SendStatus.h"
 #include "ErrorReport.h"
+#include "FormWiring.h"
 #include "ImageList.h"
 #include "ListView.h"
 #include "Log.h"
+#include "PrioritySetup.h"
+#include "SendStatus.h"
 #include "pages/AdvModemPanel.h"
 #include "pages/AlarmSetupPage.h"
 #include "pages/CommSetupPage.h"
 #include "pages/ContactEditor.h"
-#include "pages/LevelFrame.h"
-#include "FormWiring.h"
-#include "PrioritySetup.h"
 #include "pages/HistoryPage.h"
+#include "pages/LevelFrame.h"
 #include "pages/PriorityPage.h"
 #include "pages/QueuePanel.h"
 #include "pages/RecipientsPage.h"
@@ -32,8 +32,8 @@
 #include <QListView>
 #include <QMenu>
 #include <QMessageBox>
-#include <QRadioButton>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QSplitter>
 #include <QSystemTrayIcon>
 #include <QTabBar>
@@ -125,7 +125,8 @@ MainWindow::MainWindow(EmailFaxServer &server, Log &log, QWidget *parent)
                 [this] { QDesktopServices::openUrl(QUrl::fromLocalFile(m_log.logPath())); });
     });
     for (int i = 0; i < 2; ++i) {
-        connect(m_history[i]->cmdClear, &QPushButton::clicked, this, [this, i] { m_server.sendStatus().cmdClear_Click(i); });
+        connect(m_history[i]->cmdClear, &QPushButton::clicked, this,
+                [this, i] { m_server.sendStatus().cmdClear_Click(i); });
         connect(m_queues->cmdClearQueue[i], &QPushButton::clicked, this,
                 [this, i] { m_server.sendStatus().cmdClearQueue_Click(i); });
     }
@@ -189,11 +190,10 @@ void MainWindow::setTestFields(const QString &emailTo, const QString &emailSubje
 
 void MainWindow::setServiceControlsVisible(bool visible)
 {
-    for (QWidget *w : std::initializer_list<QWidget *>{m_queues->Label1, m_queues->Label7, m_queues->Label8,
-                                                       m_queues->cmdEnableTimer, m_queues->cmdAddErr,
-                                                       m_queues->cmdSendFax, m_queues->cmdShutUp, m_commSetup->optSMTP,
-                                                       m_commSetup->optMAPI, m_queues->lvwMsgQue,
-                                                       m_queues->lvwSendEmailQue, m_queues->lvwSendFaxQue})
+    for (QWidget *w : std::initializer_list<QWidget *>{
+             m_queues->Label1, m_queues->Label7, m_queues->Label8, m_queues->cmdEnableTimer, m_queues->cmdAddErr,
+             m_queues->cmdSendFax, m_queues->cmdShutUp, m_commSetup->optSMTP, m_commSetup->optMAPI, m_queues->lvwMsgQue,
+             m_queues->lvwSendEmailQue, m_queues->lvwSendFaxQue})
         w->setVisible(visible);
 }
 

@@ -25,8 +25,8 @@ using namespace osprel;
 namespace {
 QString alert(const QString &number, const QString &category)
 {
-    return number + QStringLiteral("|4;Chamber 4;d;On;QLM V;T/H;Running;Yes|999;CH1 high|1;2;3;4|5;6;7;8|") +
-           category + QStringLiteral("|9:55 pm");
+    return number + QStringLiteral("|4;Chamber 4;d;On;QLM V;T/H;Running;Yes|999;CH1 high|1;2;3;4|5;6;7;8|") + category +
+           QStringLiteral("|9:55 pm");
 }
 } // namespace
 
@@ -88,7 +88,8 @@ private Q_SLOTS:
             m_store->level(level).Immediate = immediate;
             m_store->level(level).OnceEvery = interval;
         }
-        m_f->lists.lvwMsgQue.add(QStringList{QString(), alert(QStringLiteral("42"), QStringLiteral("6")), QString(), "6"});
+        m_f->lists.lvwMsgQue.add(
+            QStringList{QString(), alert(QStringLiteral("42"), QStringLiteral("6")), QString(), "6"});
         m_dispatcher->TimerMsgQue_Timer();
         QCOMPARE(m_f->lists.lvwMsgQue.count(), 0);
         QCOMPARE(m_f->lists.lvwSendEmailQue.count(), emailJobs);
@@ -100,10 +101,11 @@ private Q_SLOTS:
             QVERIFY(job.at(1).startsWith(QLatin1String("Chamber Notification\r\n")));
         }
         if (faxJobs)
-            QCOMPARE(m_f->lists.lvwSendFaxQue.row(3).mid(3), QStringList({"555Cy", "0", "PROGRAM_ALARM",
-                                                                         "42|Chamber 4|CH1 high|PROGRAM_ALARM|9:55 pm",
-                                                                         "Cy", "F", "42"}));
-        QSqlQuery held = m_f->db.run(QStringLiteral("SELECT Priority, Catagory, ErrID FROM AlarmMsgs WHERE OverWrite = FALSE"));
+            QCOMPARE(m_f->lists.lvwSendFaxQue.row(3).mid(3),
+                     QStringList({"555Cy", "0", "PROGRAM_ALARM", "42|Chamber 4|CH1 high|PROGRAM_ALARM|9:55 pm", "Cy",
+                                  "F", "42"}));
+        QSqlQuery held =
+            m_f->db.run(QStringLiteral("SELECT Priority, Catagory, ErrID FROM AlarmMsgs WHERE OverWrite = FALSE"));
         if (heldUnder < 0) {
             QVERIFY(!held.next());
         } else {
@@ -144,7 +146,8 @@ private Q_SLOTS:
             m_dispatcher->TimerMsgQue_Timer();
             QCOMPARE(m_f->lists.lvwMsgQue.count(), 2); // tried again on the next tick
         }
-        QCOMPARE(m_f->log->lstStatus()->stringList().at(0), QStringLiteral("ErrorHandler 6: Overflow (TimerMsgQue_Timer)"));
+        QCOMPARE(m_f->log->lstStatus()->stringList().at(0),
+                 QStringLiteral("ErrorHandler 6: Overflow (TimerMsgQue_Timer)"));
         m_dispatcher->TimerMsgQue_Timer();
         QCOMPARE(m_f->lists.lvwMsgQue.count(), 1);
         QVERIFY(m_f->log->lstStatus()->stringList().last().contains(QLatin1String("1|x|y|z|w|99999|t")));

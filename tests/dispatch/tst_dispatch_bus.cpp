@@ -14,7 +14,8 @@ using namespace osprel;
 namespace {
 QString alert(int number, int category)
 {
-    return QString::number(number) + QStringLiteral("|4;Chamber 4;d;On;QLM V;T/H;Running;Yes|999;high|1;2;3;4|5;6;7;8|") +
+    return QString::number(number) +
+           QStringLiteral("|4;Chamber 4;d;On;QLM V;T/H;Running;Yes|999;high|1;2;3;4|5;6;7;8|") +
            QString::number(category) + QStringLiteral("|9:55 pm");
 }
 } // namespace
@@ -30,19 +31,24 @@ private Q_SLOTS:
         QVERIFY(silentMailServer.listen(QHostAddress::LocalHost));
         InProcessServer fixture(0.05); // TimerMsgQue every 50 ms
         QString error;
-        QVERIFY2(fixture.start([&](Database &db) {
-            db.run(QStringLiteral("INSERT INTO Contacts (LastName, FirstName, EMailEnabled, FaxEnabled, EmailName,"
-                                  " FaxNumber) VALUES (?, ?, 1, 1, ?, ?), (?, ?, 0, 1, NULL, ?)"),
-                   {"Doe", "Jo", "jo@lab", "5550001111", "Roe", "Al", "5550002222"});
-            db.run(QStringLiteral("UPDATE SetupComm SET FaxEnabledAtBoot = 1, EmailServer = ?"),
-                   {QStringLiteral("127.0.0.1:") + QString::number(silentMailServer.serverPort())});
-        }, &error), qPrintable(error));
+        QVERIFY2(fixture.start(
+                     [&](Database &db) {
+                         db.run(QStringLiteral(
+                                    "INSERT INTO Contacts (LastName, FirstName, EMailEnabled, FaxEnabled, EmailName,"
+                                    " FaxNumber) VALUES (?, ?, 1, 1, ?, ?), (?, ?, 0, 1, NULL, ?)"),
+                                {"Doe", "Jo", "jo@lab", "5550001111", "Roe", "Al", "5550002222"});
+                         db.run(QStringLiteral("UPDATE SetupComm SET FaxEnabledAtBoot = 1, EmailServer = ?"),
+                                {QStringLiteral("127.0.0.1:") + QString::number(silentMailServer.serverPort())});
+                     },
+                     &error),
+                 qPrintable(error));
         EmailFaxServer &server = fixture.server();
         QVERIFY(fixture.link());
 
         // The queue length seen at the end of every tick: it shrinks by exactly one per tick.
         QList<int> lengths;
-        connect(fixture.object(), &clsAlertCls::ServerStatus, this, [&] { lengths.append(server.lists().lvwMsgQue.count()); });
+        connect(fixture.object(), &clsAlertCls::ServerStatus, this,
+                [&] { lengths.append(server.lists().lvwMsgQue.count()); });
         server.timers().TimerMsgQue.stop(); // hold the ticks until every alert is in
         server.timers().TimerInit.stop();
         // CHAMBER_ALARM (High: at once), COMMAND_RESPONSE_ERROR (Low: daily report), PROGRAM_ALARM (Mid: both),
@@ -59,9 +65,9 @@ private Q_SLOTS:
         QCOMPARE(lists.lvwSendEmailQue.text(2, 8), QStringLiteral("3"));
         QCOMPARE(lists.lvwSendFaxQue.count(), 4); // two recipients each
         QCOMPARE(lists.lvwSendFaxQue.text(4, 4), QStringLiteral("5550002222"));
-        QSqlQuery held = server.database().run(
-            QStringLiteral("SELECT group_concat(ErrID || ':' || Priority || ':' || Catagory) FROM"
-                           " (SELECT * FROM AlarmMsgs WHERE OverWrite = FALSE ORDER BY rowid)"));
+        QSqlQuery held =
+            server.database().run(QStringLiteral("SELECT group_concat(ErrID || ':' || Priority || ':' || Catagory) FROM"
+                                                 " (SELECT * FROM AlarmMsgs WHERE OverWrite = FALSE ORDER BY rowid)"));
         QVERIFY(held.next());
         QCOMPARE(held.value(0).toString(), QStringLiteral("2:2:5003,3:1:5006,4:2:5007"));
         QCOMPARE(fixture.window().lblQueuedAlarms(7), QStringLiteral("1"));

@@ -30,10 +30,13 @@ private Q_SLOTS:
         QVERIFY2(modem.start(&error), qPrintable(error));
 
         InProcessServer fixture(0.05);
-        QVERIFY2(fixture.start([](Database &db) {
-            db.run(QStringLiteral("INSERT INTO Contacts (LastName, FirstName, FaxEnabled, FaxNumber)"
-                                  " VALUES ('Roe', 'Al', 1, '5550002222')"));
-        }, &error), qPrintable(error));
+        QVERIFY2(fixture.start(
+                     [](Database &db) {
+                         db.run(QStringLiteral("INSERT INTO Contacts (LastName, FirstName, FaxEnabled, FaxNumber)"
+                                               " VALUES ('Roe', 'Al', 1, '5550002222')"));
+                     },
+                     &error),
+                 qPrintable(error));
         EmailFaxServer &server = fixture.server();
         server.faxFinder().setSearchSystemPorts(false);
         server.faxFinder().setExtraPaths({modem.linkPath()});
@@ -58,10 +61,12 @@ private Q_SLOTS:
 
         QCOMPARE(server.lists().lvwHist[1].text(1, 2), QStringLiteral("Sent"));
         QVERIFY(server.lists().lvwSendFaxQue.isEmpty());
-        QSqlQuery row = server.database().run(QStringLiteral("SELECT Status || '|' || Address || '|' || AlarmID FROM FaxHistory"));
+        QSqlQuery row =
+            server.database().run(QStringLiteral("SELECT Status || '|' || Address || '|' || AlarmID FROM FaxHistory"));
         QVERIFY(row.next());
         QCOMPARE(row.value(0).toString(), QStringLiteral("Sent|5550002222|31"));
-        QVERIFY(fixture.server().log().lstFaxStatus()->stringList().contains(QStringLiteral("*** Fax sent successfully")));
+        QVERIFY(
+            fixture.server().log().lstFaxStatus()->stringList().contains(QStringLiteral("*** Fax sent successfully")));
     }
 };
 

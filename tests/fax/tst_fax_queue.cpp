@@ -58,7 +58,8 @@ private Q_SLOTS:
         QCOMPARE(g.gintFaxSendState, qint16(1));
         QCOMPARE(m_f->lists.lvwHist[1].row(1).mid(1),
                  QStringList({"Finding Device", "Chamber 4", "5550002222", "high", "CHAMBER_ALARM", "9:55 pm", "7"}));
-        QVERIFY(m_f->log->lstFaxStatus()->stringList().contains(QStringLiteral("****         Sending New Fax               ****")));
+        QVERIFY(m_f->log->lstFaxStatus()->stringList().contains(
+            QStringLiteral("****         Sending New Fax               ****")));
 
         m_queue->SendFax();
         QCOMPARE(m_f->log->lstFaxStatus()->stringList().last(), QStringLiteral("!!!!! Device currently in use !!!!!"));
@@ -101,7 +102,8 @@ private Q_SLOTS:
         e.speed = QStringLiteral("14400");
         e.resolution = QStringLiteral("Fine");
         e.remoteId = QStringLiteral("LAB FAX");
-        QCOMPARE(FaxQueue::GetFaxStatus(e), QStringLiteral("Negotiated Parameters: Speed=14400 Res=Fine RemoteID=LAB FAX"));
+        QCOMPARE(FaxQueue::GetFaxStatus(e),
+                 QStringLiteral("Negotiated Parameters: Speed=14400 Res=Fine RemoteID=LAB FAX"));
         e.kind = FaxEvent::PagesKind;
         e.page = 1;
         e.pageCount = 2;

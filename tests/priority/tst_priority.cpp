@@ -44,20 +44,19 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("ticks");
         QTest::addColumn<QList<int>>("due");
         QTest::newRow("hourly at :15, ticks every 20 s")
-            << 1 << 15 << 0 << 0
-            << QStringList{"Mon 10:14:40", "Mon 10:15:00", "Mon 10:15:20", "Mon 10:15:40", "Mon 10:16:00",
-                           "Mon 11:15:00", "Mon 11:15:20"}
+            << 1 << 15 << 0 << 0 << QStringList{"Mon 10:14:40", "Mon 10:15:00", "Mon 10:15:20", "Mon 10:15:40",
+                                                "Mon 10:16:00", "Mon 11:15:00", "Mon 11:15:20"}
             << QList<int>{1, 5};
         QTest::newRow("daily at 08:30") << 2 << 30 << 8 << 0
-                                        << QStringList{"Tue 08:29:00", "Tue 08:30:00", "Tue 08:30:59", "Tue 08:31:00",
-                                                       "Tue 09:30:00", "Wed 08:30:00"}
+                                        << QStringList{"Tue 08:29:00", "Tue 08:30:00", "Tue 08:30:59",
+                                                       "Tue 08:31:00", "Tue 09:30:00", "Wed 08:30:00"}
                                         << QList<int>{1, 5};
-        QTest::newRow("weekly Sunday 23:59") << 3 << 59 << 23 << 0
-                                             << QStringList{"Sat 23:59:00", "Sun 23:58:59", "Sun 23:59:00",
-                                                            "Sun 23:59:30", "Mon 23:59:00"}
-                                             << QList<int>{2};
-        QTest::newRow("every minute: every tick") << 0 << 0 << 0 << 0 << QStringList{"Mon 10:00:00", "Mon 10:00:01"}
-                                                  << QList<int>{0, 1};
+        QTest::newRow("weekly Sunday 23:59")
+            << 3 << 59 << 23 << 0
+            << QStringList{"Sat 23:59:00", "Sun 23:58:59", "Sun 23:59:00", "Sun 23:59:30", "Mon 23:59:00"}
+            << QList<int>{2};
+        QTest::newRow("every minute: every tick")
+            << 0 << 0 << 0 << 0 << QStringList{"Mon 10:00:00", "Mon 10:00:01"} << QList<int>{0, 1};
         QTest::newRow("none") << -1 << 0 << 0 << 0 << QStringList{"Mon 00:00:00"} << QList<int>{};
     }
     void reportsFallDueOncePerMatchingMinute()
@@ -106,7 +105,8 @@ private Q_SLOTS:
         m_store->DBAddPriority(weekly, QStringLiteral("MidPri"));
         m_store->DBAddPriority(LevelRecord(), QStringLiteral("highpri")); // wrong case: nothing written
         QCOMPARE(m_log->lstStatus()->stringList().last(),
-                 QStringLiteral("ErrorHandler -2147217908: Command text was not set for the command object. (DBAddPriority)"));
+                 QStringLiteral(
+                     "ErrorHandler -2147217908: Command text was not set for the command object. (DBAddPriority)"));
 
         PriorityStore reloaded(*m_db, m_port);
         reloaded.DBInitAlarmCatSetup();

@@ -21,18 +21,23 @@ private Q_SLOTS:
         QString error;
         QVERIFY2(smtp.start(&error), qPrintable(error));
         InProcessServer fixture(0.05);
-        QVERIFY2(fixture.start([&](Database &db) {
-            db.run(QStringLiteral("INSERT INTO Contacts (LastName, FirstName, EMailEnabled, EmailName)"
-                                  " VALUES ('Doe', 'Jo', 1, 'jo@lab.test'), ('O''Neil', 'Sam', 1, 'sam@lab.test')"));
-            db.run(QStringLiteral("UPDATE SetupComm SET EmailServer = ?, EmailReturnAddress = ?"),
-                   {smtp.address(), QStringLiteral("emailfax@chamber.test")});
-        }, &error), qPrintable(error));
+        QVERIFY2(fixture.start(
+                     [&](Database &db) {
+                         db.run(QStringLiteral(
+                             "INSERT INTO Contacts (LastName, FirstName, EMailEnabled, EmailName)"
+                             " VALUES ('Doe', 'Jo', 1, 'jo@lab.test'), ('O''Neil', 'Sam', 1, 'sam@lab.test')"));
+                         db.run(QStringLiteral("UPDATE SetupComm SET EmailServer = ?, EmailReturnAddress = ?"),
+                                {smtp.address(), QStringLiteral("emailfax@chamber.test")});
+                     },
+                     &error),
+                 qPrintable(error));
         QCOMPARE(g.gstrEmailRecipients, QStringLiteral("jo@lab.test; sam@lab.test; "));
         QVERIFY(fixture.link());
         for (const char *id : {"101", "102"}) {
-            QVERIFY(fixture.sendAlert(QString::fromLatin1(id) +
-                                      QStringLiteral("|4;Chamber 4;Walk-in;On;QLM V;T/H;Running;Yes|999;CH1 actual high|"
-                                                     "85;91;100;0|60;58;40;0|5005|9:55 pm")));
+            QVERIFY(
+                fixture.sendAlert(QString::fromLatin1(id) +
+                                  QStringLiteral("|4;Chamber 4;Walk-in;On;QLM V;T/H;Running;Yes|999;CH1 actual high|"
+                                                 "85;91;100;0|60;58;40;0|5005|9:55 pm")));
         }
 
         QTRY_COMPARE_WITH_TIMEOUT(fixture.events(QStringLiteral("AlertStatus")).size(), 2, 15000);
@@ -58,8 +63,8 @@ private Q_SLOTS:
         EmailFaxServer &server = fixture.server();
         const ListStore &history = server.lists().lvwHist[0];
         QCOMPARE(history.count(), 2);
-        QCOMPARE(history.row(1).mid(1), QStringList({"Sent", "Chamber 4", "jo@lab.test; sam@lab.test; ", "CH1 actual high",
-                                                     "CHAMBER_ALARM", "9:55 pm", "102"}));
+        QCOMPARE(history.row(1).mid(1), QStringList({"Sent", "Chamber 4", "jo@lab.test; sam@lab.test; ",
+                                                     "CH1 actual high", "CHAMBER_ALARM", "9:55 pm", "102"}));
         QSqlQuery rows = server.database().run(QStringLiteral("SELECT group_concat(AlarmID || ':' || Status) FROM"
                                                               " (SELECT * FROM EmailHistory ORDER BY rowid)"));
         QVERIFY(rows.next());

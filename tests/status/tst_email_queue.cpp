@@ -53,7 +53,7 @@ private Q_SLOTS:
     void aJobWaitsUntilItCanGo()
     {
         m_f->lists.lvwSendEmailQue.add(QStringList{"t", "body", "Chamber 4", "jo@lab; ", "0", "CHAMBER_ALARM",
-                                                 " 7 | Chamber 4 | high | CHAMBER_ALARM | 9:55 pm ", "7"});
+                                                   " 7 | Chamber 4 | high | CHAMBER_ALARM | 9:55 pm ", "7"});
         m_window->email = false;
         m_queue->TimerEmailMsgQue_Timer();
         m_window->email = true;
@@ -92,7 +92,8 @@ private Q_SLOTS:
         m_window->testTo.clear();
         m_queue->cmdTestEmail_Click();
         QCOMPARE(m_window->messages.size(), 1);
-        QVERIFY(m_window->messages.first().startsWith(QLatin1String("Test Email Warning|You must enter a valid email")));
+        QVERIFY(
+            m_window->messages.first().startsWith(QLatin1String("Test Email Warning|You must enter a valid email")));
         QCOMPARE(m_smtp->SmtpState(), qint16(0));
 
         m_window->testTo = QStringLiteral("not an address");

@@ -10,8 +10,8 @@
 #include "Log.h"
 #include "SendStatus.h"
 #include "SmtpClient.h"
-#include "StoreFixture.h"
 #include "StatusPort.h"
+#include "StoreFixture.h"
 #include "TrayState.h"
 #include "clsAlertCls.h"
 
@@ -34,9 +34,13 @@ public:
 
 QStringList job(const QString &id, int faxAttempts = -1)
 {
-    QStringList columns{QStringLiteral("11/21/2026  10:00:00"), QStringLiteral("\tAlert ID: ") + id + u'\n',
-                        QStringLiteral("Chamber 4"), QStringLiteral("5551234567"), QStringLiteral("0"),
-                        QStringLiteral("CHAMBER_ALARM"), id + QStringLiteral("|Chamber 4|high|CHAMBER_ALARM|t")};
+    QStringList columns{QStringLiteral("11/21/2026  10:00:00"),
+                        QStringLiteral("\tAlert ID: ") + id + u'\n',
+                        QStringLiteral("Chamber 4"),
+                        QStringLiteral("5551234567"),
+                        QStringLiteral("0"),
+                        QStringLiteral("CHAMBER_ALARM"),
+                        id + QStringLiteral("|Chamber 4|high|CHAMBER_ALARM|t")};
     if (faxAttempts >= 0) {
         columns[4] = QString::number(faxAttempts);
         columns << QStringLiteral("Roe") << QStringLiteral("Al");
@@ -206,9 +210,9 @@ private:
     {
         const ListStore &queue = histIndex == 0 ? m_f->lists.lvwSendEmailQue : m_f->lists.lvwSendFaxQue;
         m_f->lists.lvwHist[histIndex].insert(1, QStringList{QStringLiteral("now"), QStringLiteral("Sending"),
-                                                          QStringLiteral("Chamber 4"), address, QStringLiteral("high"),
-                                                          QStringLiteral("CHAMBER_ALARM"), QStringLiteral("t"),
-                                                          queue.text(1, queue.columnCount())});
+                                                            QStringLiteral("Chamber 4"), address,
+                                                            QStringLiteral("high"), QStringLiteral("CHAMBER_ALARM"),
+                                                            QStringLiteral("t"), queue.text(1, queue.columnCount())});
     }
     static QStringList column(const ListStore &list, int column)
     {
@@ -220,7 +224,7 @@ private:
     QStringList historyRows(const QString &table)
     {
         QSqlQuery rows = m_f->db.run(QStringLiteral("SELECT Status || '|' || Address || '|' || AlarmID FROM ") + table +
-                                   QStringLiteral(" ORDER BY rowid"));
+                                     QStringLiteral(" ORDER BY rowid"));
         QStringList values;
         while (rows.next())
             values << rows.value(0).toString();

@@ -33,8 +33,8 @@ private Q_SLOTS:
             << QStringList{"4 3"} << QStringList{"Send Failed"} << QList<int>{2} << QList<int>{0};
         QTest::newRow("a failure while the sent flashing runs keeps it sent")
             << QStringList{"3 0", "4 0", "0 0", "0 0"}
-            << QStringList{"Messages Sent", "Messages Sent", "Messages Sent", "Messages Sent"}
-            << QList<int>{1, 1, 1, 1} << QList<int>{0, 0, 1, 2};
+            << QStringList{"Messages Sent", "Messages Sent", "Messages Sent", "Messages Sent"} << QList<int>{1, 1, 1, 1}
+            << QList<int>{0, 0, 1, 2};
     }
     void flashing()
     {

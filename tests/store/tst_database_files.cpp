@@ -4,8 +4,8 @@
 #include "Database.h"
 #include "Dispatcher.h"
 #include "EmailFaxServer.h"
-#include "HeadlessWindow.h"
 #include "Globals.h"
+#include "HeadlessWindow.h"
 #include "Log.h"
 #include "clsAlertCls.h"
 
@@ -32,7 +32,8 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("kind");
         QTest::addColumn<QStringList>("failing"); // procedures that must log their failure
-        const QStringList everyLoad = {"DBInitADO", "DBInit", "DBInitAlarmCatSetup", "DBInitAlarmPriSetup", "InitLables"};
+        const QStringList everyLoad = {"DBInitADO", "DBInit", "DBInitAlarmCatSetup", "DBInitAlarmPriSetup",
+                                       "InitLables"};
         QTest::newRow("foreign") << "foreign" << everyLoad;
         QTest::newRow("corrupt") << "corrupt" << QStringList{"DBInit", "DBInitAlarmCatSetup", "DBInitAlarmPriSetup"};
         QTest::newRow("read-only") << "read-only" << QStringList{};
@@ -59,7 +60,9 @@ private Q_SLOTS:
         for (const QString &procedure : failing) {
             const QString tag = QStringLiteral(" (") + procedure + QStringLiteral(")");
             QVERIFY2(std::any_of(lines.begin(), lines.end(),
-                                 [&](const QString &l) { return l.startsWith(QLatin1String("ErrorHandler ")) && l.endsWith(tag); }),
+                                 [&](const QString &l) {
+                                     return l.startsWith(QLatin1String("ErrorHandler ")) && l.endsWith(tag);
+                                 }),
                      qPrintable(procedure + QStringLiteral(" not logged in: ") + lines.join(u'\n')));
         }
         if (kind == QLatin1String("foreign"))

@@ -149,8 +149,8 @@ private Q_SLOTS:
         QCOMPARE(m_lists->lvwSendEmailQue.row(1).mid(1),
                  QStringList({report, "Hourly Report", "jo@lab; ", "0", "*", "*|Hourly Report|*|*|*|*", "*"}));
         QCOMPARE(m_lists->lvwSendFaxQue.count(), 3);
-        QCOMPARE(m_lists->lvwSendFaxQue.row(3).mid(1),
-                 QStringList({report, "Hourly Report", "555000Cy", "0", "*", "*|Hourly Report|*|*|*|*", "Cy", "F", "*"}));
+        QCOMPARE(m_lists->lvwSendFaxQue.row(3).mid(1), QStringList({report, "Hourly Report", "555000Cy", "0", "*",
+                                                                    "*|Hourly Report|*|*|*|*", "Cy", "F", "*"}));
         QVERIFY(m_timers.TimerEmailMsgQue.isActive());
         QVERIFY(m_timers.TimerFaxMsgQue.isActive());
         // Both reported categories are cleared, at every level; the other category waits on.

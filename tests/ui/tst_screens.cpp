@@ -2,18 +2,18 @@
 // every validation message, and Accept and Cancel on every setup page, checked against the database and after a
 // restart of the server.
 
+#include "AlarmQueue.h"
 #include "Database.h"
 #include "EmailFaxServer.h"
 #include "Globals.h"
 #include "Log.h"
-#include "AlarmQueue.h"
 #include "MainWindow.h"
 #include "TimeScale.h"
 
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QCompleter>
-#include <QAbstractItemView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -253,10 +253,7 @@ private:
         }
     }
     // A check box is clicked on its box, as a person does (its widget may be wider than box and caption).
-    static void tick(QCheckBox *check)
-    {
-        QTest::mouseClick(check, Qt::LeftButton, {}, QPoint(8, check->height() / 2));
-    }
+    static void tick(QCheckBox *check) { QTest::mouseClick(check, Qt::LeftButton, {}, QPoint(8, check->height() / 2)); }
     void typeInto(const char *combo, const QString &text)
     {
         auto *box = m_window->findChild<QComboBox *>(QLatin1String(combo));

@@ -25,10 +25,11 @@ void prepare(const QString &folder)
 {
     Database setup;
     setup.DBInitADO(folder);
-    setup.run(QStringLiteral("INSERT INTO Contacts (LastName, FirstName, EMailEnabled, FaxEnabled, EmailName, FaxNumber,"
-                             " Notes) VALUES ('Nguyen', 'Lan', 1, 1, 'lan.nguyen@lab.example', '5551230001', 'Day shift'),"
-                             " ('O''Hara', 'Pat', 1, 0, 'pat.ohara@lab.example', NULL, NULL),"
-                             " ('Schmidt', 'Eva', 0, 1, NULL, '5551230002', 'Night shift')"));
+    setup.run(
+        QStringLiteral("INSERT INTO Contacts (LastName, FirstName, EMailEnabled, FaxEnabled, EmailName, FaxNumber,"
+                       " Notes) VALUES ('Nguyen', 'Lan', 1, 1, 'lan.nguyen@lab.example', '5551230001', 'Day shift'),"
+                       " ('O''Hara', 'Pat', 1, 0, 'pat.ohara@lab.example', NULL, NULL),"
+                       " ('Schmidt', 'Eva', 0, 1, NULL, '5551230002', 'Night shift')"));
     setup.run(QStringLiteral("UPDATE SetupComm SET EmailServer = 'mail.lab.example', EmailReturnAddress ="
                              " 'emailfax@lab.example', FaxEnabledAtBoot = 0"));
     const char *rows[][8] = {
@@ -77,12 +78,14 @@ int main(int argc, char **argv)
     // A few alerts waiting in the incoming queue.
     clsAlertCls chamber;
     chamber.ServerCmd(QStringLiteral("Vantor32"), 1, QString());
-    chamber.SendAlert(QStringLiteral("103|4;Chamber 4;Walk-in;On;QLM V;T/H;Running;Yes|999;CH1 high|85;91;100;0|60;58;40;0|5005|9:55 pm"));
+    chamber.SendAlert(QStringLiteral(
+        "103|4;Chamber 4;Walk-in;On;QLM V;T/H;Running;Yes|999;CH1 high|85;91;100;0|60;58;40;0|5005|9:55 pm"));
     server.timers().TimerInit.stop();
 
     bool ok = true;
     auto *tabs = window.findChild<QTabBar *>(QStringLiteral("SSTab1"));
-    const char *names[6] = {"email-history", "fax-history", "recipients", "comm-setup", "alarm-setup", "alarm-priority"};
+    const char *names[6] = {"email-history", "fax-history", "recipients",
+                            "comm-setup",    "alarm-setup", "alarm-priority"};
     for (int i = 0; i < tabs->count(); ++i) {
         tabs->setCurrentIndex(i);
         ok &= save(window, out + QStringLiteral("/") + QLatin1String(names[i]) + suffix + QStringLiteral(".png"));

@@ -13,8 +13,7 @@
 namespace osprel {
 
 namespace {
-template <typename T>
-T *named(T *widget, const QString &name)
+template <typename T> T *named(T *widget, const QString &name)
 {
     widget->setObjectName(name);
     return widget;
@@ -32,7 +31,8 @@ AdvModemPanel::AdvModemPanel(QWidget *parent) : QFrame(parent)
     auto *form = new QFormLayout;
     auto *init = new QHBoxLayout;
     init->addWidget(txtConStr = named(new QLineEdit(this), QStringLiteral("txtConStr")), 1);
-    init->addWidget(cmdDefaultInitStr = named(new QPushButton(tr("Default"), this), QStringLiteral("cmdDefaultInitStr")));
+    init->addWidget(cmdDefaultInitStr =
+                        named(new QPushButton(tr("Default"), this), QStringLiteral("cmdDefaultInitStr")));
     form->addRow(tr("Initialisation string:"), init);
     auto *classes = new QVBoxLayout;
     modemClass = new QButtonGroup(this);
@@ -45,7 +45,8 @@ AdvModemPanel::AdvModemPanel(QWidget *parent) : QFrame(parent)
     }
     form->addRow(tr("Fax class:"), classes);
     form->addRow(tr("Class in use:"), lblCurrentClass = named(new QLabel(this), QStringLiteral("lblCurrentClass")));
-    chkDetailModemLogging = named(new QCheckBox(tr("Log the modem dialogue"), this), QStringLiteral("chkDetailModemLogging"));
+    chkDetailModemLogging =
+        named(new QCheckBox(tr("Log the modem dialogue"), this), QStringLiteral("chkDetailModemLogging"));
     form->addRow(chkDetailModemLogging);
     layout->addLayout(form);
     auto *buttons = new QHBoxLayout;

@@ -18,8 +18,8 @@ AlarmSetupPage::AlarmSetupPage(QWidget *parent) : QFrame(parent)
     auto *page = new QVBoxLayout(this);
     auto *layout = new QGridLayout;
     page->addLayout(layout);
-    const QString headings[] = {tr("<b>Alarm category</b>"), tr("<b>High</b>"), tr("<b>Mid</b>"), tr("<b>Low</b>"),
-                                tr("<b>Ignore</b>"), tr("<b>Queued</b>")};
+    const QString headings[] = {tr("<b>Alarm category</b>"), tr("<b>High</b>"),  tr("<b>Mid</b>"), tr("<b>Low</b>"),
+                                tr("<b>Ignore</b>"),         tr("<b>Queued</b>")};
     for (int column = 0; column < 6; ++column)
         layout->addWidget(new QLabel(headings[column], this), 0, column);
     for (int i = 0; i < 8; ++i) {
@@ -57,8 +57,10 @@ AlarmSetupPage::AlarmSetupPage(QWidget *parent) : QFrame(parent)
 
 void AlarmSetupPage::selectLevel(int index, int level)
 {
-    QRadioButton *option = level == 0 ? optHi[index] : level == 1 ? optMid[index] : level == 2 ? optLow[index]
-                                                                                             : optIgnore[index];
+    QRadioButton *option = level == 0   ? optHi[index]
+                           : level == 1 ? optMid[index]
+                           : level == 2 ? optLow[index]
+                                        : optIgnore[index];
     option->setChecked(true);
 }
 

@@ -62,9 +62,12 @@ ContactEditor::ContactEditor(QWidget *parent) : QFrame(parent)
 
     for (QLineEdit *part : {txtContactsFaxAC, txtContactsFax3D, txtContactsFax4D})
         part->installEventFilter(this);
-    connect(txtContactsFaxAC, &QLineEdit::textChanged, this, [this] { advance(txtContactsFaxAC, 3, txtContactsFax3D, false); });
-    connect(txtContactsFax3D, &QLineEdit::textChanged, this, [this] { advance(txtContactsFax3D, 3, txtContactsFax4D, false); });
-    connect(txtContactsFax4D, &QLineEdit::textChanged, this, [this] { advance(txtContactsFax4D, 4, txtContactsNotes, true); });
+    connect(txtContactsFaxAC, &QLineEdit::textChanged, this,
+            [this] { advance(txtContactsFaxAC, 3, txtContactsFax3D, false); });
+    connect(txtContactsFax3D, &QLineEdit::textChanged, this,
+            [this] { advance(txtContactsFax3D, 3, txtContactsFax4D, false); });
+    connect(txtContactsFax4D, &QLineEdit::textChanged, this,
+            [this] { advance(txtContactsFax4D, 4, txtContactsNotes, true); });
     setTabOrder(txtContactsFName, txtContactsLName);
     setTabOrder(txtContactsLName, txtContactsEmail);
     setTabOrder(txtContactsEmail, txtContactsFaxAC);
@@ -77,8 +80,8 @@ ContactEditor::ContactEditor(QWidget *parent) : QFrame(parent)
 
 ContactFields ContactEditor::fields() const
 {
-    return {txtContactsLName->text(),  txtContactsFName->text(), txtContactsEmail->text(), txtContactsFaxAC->text(),
-            txtContactsFax3D->text(),  txtContactsFax4D->text(), txtContactsNotes->text()};
+    return {txtContactsLName->text(), txtContactsFName->text(), txtContactsEmail->text(), txtContactsFaxAC->text(),
+            txtContactsFax3D->text(), txtContactsFax4D->text(), txtContactsNotes->text()};
 }
 
 void ContactEditor::setFields(const ContactFields &f)
@@ -98,7 +101,8 @@ bool ContactEditor::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::KeyPress) {
         const QString text = static_cast<QKeyEvent *>(event)->text();
-        if (!text.isEmpty() && text != QLatin1String("\b") && !(text.size() == 1 && text.at(0) >= u'0' && text.at(0) <= u'9'))
+        if (!text.isEmpty() && text != QLatin1String("\b") &&
+            !(text.size() == 1 && text.at(0) >= u'0' && text.at(0) <= u'9'))
             return true;
     }
     return QFrame::eventFilter(watched, event);

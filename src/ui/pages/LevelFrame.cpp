@@ -48,8 +48,7 @@ QStringList weekdays(bool withDaily)
     return items;
 }
 
-template <typename T>
-T *named(T *widget, const char *name, int level)
+template <typename T> T *named(T *widget, const char *name, int level)
 {
     widget->setObjectName(indexed(name, level));
     return widget;
@@ -92,16 +91,21 @@ LevelFrame::LevelFrame(int level, const QString &caption, QWidget *parent) : QGr
 
     auto *occurrences = new QGroupBox(QStringLiteral("Occurrences / Catagory"), this);
     auto *grid = new QGridLayout(occurrences);
-    grid->addWidget(chkFirstXTimes = named(new QCheckBox(QStringLiteral("Send First"), this), "chkFirstXTimes", level), 0, 0);
-    grid->addWidget(cboFirstXTimes = combo(occurrences, "cboFirstXTimes", level, numbers(1, 20), QStringLiteral("1")), 0, 1);
-    grid->addWidget(chkAfterXTimes = named(new QCheckBox(QStringLiteral("Send After"), this), "chkAfterXTimes", level), 1, 0);
-    grid->addWidget(cboAfterXTimes = combo(occurrences, "cboAfterXTimes", level, numbers(1, 20), QStringLiteral("1")), 1, 1);
-    grid->addWidget(lblResetAt = named(new QLabel(QStringLiteral("Reset at:"), occurrences), "lblResetAt", level), 2, 0);
+    grid->addWidget(chkFirstXTimes = named(new QCheckBox(QStringLiteral("Send First"), this), "chkFirstXTimes", level),
+                    0, 0);
+    grid->addWidget(cboFirstXTimes = combo(occurrences, "cboFirstXTimes", level, numbers(1, 20), QStringLiteral("1")),
+                    0, 1);
+    grid->addWidget(chkAfterXTimes = named(new QCheckBox(QStringLiteral("Send After"), this), "chkAfterXTimes", level),
+                    1, 0);
+    grid->addWidget(cboAfterXTimes = combo(occurrences, "cboAfterXTimes", level, numbers(1, 20), QStringLiteral("1")),
+                    1, 1);
+    grid->addWidget(lblResetAt = named(new QLabel(QStringLiteral("Reset at:"), occurrences), "lblResetAt", level), 2,
+                    0);
     grid->addWidget(cboResetHours = combo(occurrences, "cboResetHours", level, numbers(1, 24, QStringLiteral(":00")),
                                           QStringLiteral("12:00")),
                     2, 1);
-    grid->addWidget(cboResetWeekday = combo(occurrences, "cboResetWeekday", level, weekdays(true),
-                                            QStringLiteral("Wednesday")),
+    grid->addWidget(cboResetWeekday =
+                        combo(occurrences, "cboResetWeekday", level, weekdays(true), QStringLiteral("Wednesday")),
                     3, 1);
     grid->setColumnStretch(2, 1);
     layout->addWidget(occurrences);
@@ -113,17 +117,20 @@ LevelFrame::LevelFrame(int level, const QString &caption, QWidget *parent) : QGr
     // Minute marks nothing and changes no layout.
     for (QCheckBox *check : {chkImmediate, chkFirstXTimes, chkAfterXTimes})
         connect(check, &QCheckBox::clicked, this, &LevelFrame::changed);
-    for (QComboBox *box : {cboHours, cboMinutes, cboWeekday, cboFirstXTimes, cboAfterXTimes, cboResetHours, cboResetWeekday})
+    for (QComboBox *box :
+         {cboHours, cboMinutes, cboWeekday, cboFirstXTimes, cboAfterXTimes, cboResetHours, cboResetWeekday})
         connect(box, &QComboBox::currentTextChanged, this, &LevelFrame::changed);
     setIntervalControlsEnabled(false);
 }
 
 void LevelFrame::setIntervalControlsEnabled(bool enabled)
 {
-    for (QWidget *w : std::initializer_list<QWidget *>{optMinute, optHour, optDay, optWeek, cboHours, cboMinutes, cboWeekday})
+    for (QWidget *w :
+         std::initializer_list<QWidget *>{optMinute, optHour, optDay, optWeek, cboHours, cboMinutes, cboWeekday})
         w->setEnabled(enabled);
     if (!enabled) {
-        for (QWidget *w : std::initializer_list<QWidget *>{lblSetTime, cboHours, cboMinutes, cboWeekday, lblMinutes, lblHM, lblDay})
+        for (QWidget *w :
+             std::initializer_list<QWidget *>{lblSetTime, cboHours, cboMinutes, cboWeekday, lblMinutes, lblHM, lblDay})
             w->hide();
     }
 }
@@ -194,7 +201,7 @@ void LevelFrame::showRecord(const LevelRecord &r)
     chkImmediate->setChecked(r.Immediate);
     const bool interval = r.OnceEvery >= IntervalMinute && r.OnceEvery <= IntervalWeekly;
     chkOnceEvery->setChecked(interval);
-    QRadioButton *option = r.OnceEvery == IntervalHourly  ? optHour
+    QRadioButton *option = r.OnceEvery == IntervalHourly   ? optHour
                            : r.OnceEvery == IntervalDaily  ? optDay
                            : r.OnceEvery == IntervalWeekly ? optWeek
                            : r.OnceEvery == IntervalMinute ? optMinute

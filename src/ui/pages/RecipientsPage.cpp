@@ -39,7 +39,8 @@ RecipientsPage::RecipientsPage(FormLists &lists, QWidget *parent) : QFrame(paren
     setObjectName(QStringLiteral("Frame1(2)"));
     auto *layout = new QGridLayout(this);
     layout->addWidget(new QLabel(tr("All contacts"), this), 0, 0);
-    layout->addWidget(lvwMainContacts = new ListView(lists.lvwMainContacts, ListView::Refresh::Immediate, this), 1, 0, 3, 1);
+    layout->addWidget(lvwMainContacts = new ListView(lists.lvwMainContacts, ListView::Refresh::Immediate, this), 1, 0,
+                      3, 1);
     cmdAddEmailAdr = button(this, "cmdAddEmailAdr", QStringLiteral(">"), tr("Send e-mail to the selected contact"));
     cmdRemEmailAdr = button(this, "cmdRemEmailAdr", QStringLiteral("<"), tr("Stop e-mail to the selected recipient"));
     cmdAddFaxAdr = button(this, "cmdAddFaxAdr", QStringLiteral(">"), tr("Send faxes to the selected contact"));
@@ -47,7 +48,8 @@ RecipientsPage::RecipientsPage(FormLists &lists, QWidget *parent) : QFrame(paren
     layout->addLayout(arrows(cmdAddEmailAdr, cmdRemEmailAdr), 1, 1);
     layout->addLayout(arrows(cmdAddFaxAdr, cmdRemFaxAdr), 3, 1);
     layout->addWidget(new QLabel(tr("E-mail recipients"), this), 0, 2);
-    layout->addWidget(lvwEmailContacts = new ListView(lists.lvwEmailContacts, ListView::Refresh::Immediate, this), 1, 2);
+    layout->addWidget(lvwEmailContacts = new ListView(lists.lvwEmailContacts, ListView::Refresh::Immediate, this), 1,
+                      2);
     layout->addWidget(new QLabel(tr("Fax recipients"), this), 2, 2);
     layout->addWidget(lvwFaxContacts = new ListView(lists.lvwFaxContacts, ListView::Refresh::Immediate, this), 3, 2);
     auto *buttons = new QHBoxLayout;

@@ -32,8 +32,8 @@ bool DBEditRecipient(const Database &database, qint16 mode, const RecipientRec &
         const qint64 rowid = findContact(database, rec.LastName, rec.FirstName);
         if (!rowid)
             raise(Err::NoCurrentRecord);
-        const QString column = mode == EnableEmail || mode == DisableEmail ? QStringLiteral("EMailEnabled")
-                                                                           : QStringLiteral("FaxEnabled");
+        const QString column =
+            mode == EnableEmail || mode == DisableEmail ? QStringLiteral("EMailEnabled") : QStringLiteral("FaxEnabled");
         const int value = mode == EnableEmail || mode == EnableFax ? 1 : 0;
         database.run(QStringLiteral("UPDATE Contacts SET ") + column + QStringLiteral(" = ? WHERE rowid = ?"),
                      {value, rowid});

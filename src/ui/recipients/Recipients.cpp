@@ -68,14 +68,16 @@ RecipientRec Recipients::LVWGetSelectedFaxContact(int index)
 
 void Recipients::LVWAddEMailContact(const RecipientRec &rec)
 {
-    guarded(QStringLiteral("LVWAddEMailContact"),
-            [&] { m_lists.lvwEmailContacts.add(QStringList{rec.LastName, rec.FirstName, rec.EmailName}); });
+    guarded(QStringLiteral("LVWAddEMailContact"), [&] {
+        m_lists.lvwEmailContacts.add(QStringList{rec.LastName, rec.FirstName, rec.EmailName});
+    });
 }
 
 void Recipients::LVWAddFaxContact(const RecipientRec &rec)
 {
-    guarded(QStringLiteral("LVWAddFaxContact"),
-            [&] { m_lists.lvwFaxContacts.add(QStringList{rec.LastName, rec.FirstName, rec.FaxNumber}); });
+    guarded(QStringLiteral("LVWAddFaxContact"), [&] {
+        m_lists.lvwFaxContacts.add(QStringList{rec.LastName, rec.FirstName, rec.FaxNumber});
+    });
 }
 
 bool Recipients::LVWDupCheck(const RecipientRec &rec)
@@ -208,7 +210,8 @@ bool Recipients::editContact(const RecipientRec &rec)
     const QStringList columns{rec.LastName, rec.FirstName, rec.EmailName, rec.FaxNumber};
     for (int column = 1; column <= 4; ++column)
         all.setText(row, column, columns.at(column - 1));
-    const bool filed = refileAddress(EmailList, oldLast, oldFirst, rec) && refileAddress(FaxList, oldLast, oldFirst, rec);
+    const bool filed =
+        refileAddress(EmailList, oldLast, oldFirst, rec) && refileAddress(FaxList, oldLast, oldFirst, rec);
     gintSelEmailContact = 0; // the rows found by the old names were filed again
     gintSelFaxContact = 0;
     CopyEmailToRecipientStr(m_lists);
