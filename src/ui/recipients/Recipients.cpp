@@ -29,41 +29,35 @@ Recipients::Recipients(FormLists &lists, const Database &database, RecipientsPor
 {
 }
 
-RecipientRec Recipients::LVWGetSelectedMainContact(int index)
+// One contact list's row: last and first name, then the columns given (0 for none) for address and fax number.
+RecipientRec Recipients::readRow(const QString &procedure, const ListStore &list, int index, int emailColumn,
+                                 int faxColumn)
 {
     RecipientRec rec;
-    guarded(QStringLiteral("LVWGetSelectedMainContact"), [&] {
-        const ListStore &list = m_lists.lvwMainContacts;
+    guarded(procedure, [&] {
         rec.LastName = list.text(index, 1);
         rec.FirstName = list.text(index, 2);
-        rec.EmailName = list.text(index, 3);
-        rec.FaxNumber = list.text(index, 4);
+        if (emailColumn)
+            rec.EmailName = list.text(index, emailColumn);
+        if (faxColumn)
+            rec.FaxNumber = list.text(index, faxColumn);
     });
     return rec;
+}
+
+RecipientRec Recipients::LVWGetSelectedMainContact(int index)
+{
+    return readRow(QStringLiteral("LVWGetSelectedMainContact"), m_lists.lvwMainContacts, index, 3, 4);
 }
 
 RecipientRec Recipients::LVWGetSelectedEmailContact(int index)
 {
-    RecipientRec rec;
-    guarded(QStringLiteral("LVWGetSelectedEmailContact"), [&] {
-        const ListStore &list = m_lists.lvwEmailContacts;
-        rec.LastName = list.text(index, 1);
-        rec.FirstName = list.text(index, 2);
-        rec.EmailName = list.text(index, 3);
-    });
-    return rec;
+    return readRow(QStringLiteral("LVWGetSelectedEmailContact"), m_lists.lvwEmailContacts, index, 3, 0);
 }
 
 RecipientRec Recipients::LVWGetSelectedFaxContact(int index)
 {
-    RecipientRec rec;
-    guarded(QStringLiteral("LVWGetSelectedFaxContact"), [&] {
-        const ListStore &list = m_lists.lvwFaxContacts;
-        rec.LastName = list.text(index, 1);
-        rec.FirstName = list.text(index, 2);
-        rec.FaxNumber = list.text(index, 3);
-    });
-    return rec;
+    return readRow(QStringLiteral("LVWGetSelectedFaxContact"), m_lists.lvwFaxContacts, index, 0, 3);
 }
 
 void Recipients::LVWAddEMailContact(const RecipientRec &rec)

@@ -11,6 +11,7 @@ namespace osprel {
 
 class Database;
 class FormLists;
+class ListStore;
 class RecipientsPort;
 
 class Recipients
@@ -47,6 +48,8 @@ public:
     void lvwFaxContacts_ItemClick(int index) { gintSelFaxContact = qint16(index); }
 
 private:
+    static RecipientRec readRow(const QString &procedure, const ListStore &list, int index, int emailColumn,
+                                int faxColumn);
     // The first validation message the editor's contents fail, or an empty text.
     QString validate(const ContactFields &fields) const;
     bool addContact(const RecipientRec &rec);
