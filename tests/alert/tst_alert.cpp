@@ -148,17 +148,6 @@ private Q_SLOTS:
         QCOMPARE(status.count(), 1); // the server's own report has no alert number
     }
 
-    void stopQueueTimersOnlyWhenNobodyIsLinked()
-    {
-        m_form->timers.TimerMsgQue.start();
-        g.gblnServerLinked = true;
-        m_form->link.StopQueueTimers();
-        QVERIFY(m_form->timers.TimerMsgQue.isActive());
-        g.gblnServerLinked = false;
-        m_form->link.StopQueueTimers();
-        QVERIFY(!m_form->timers.TimerMsgQue.isActive());
-    }
-
 private:
     QTemporaryDir m_dir;
     std::unique_ptr<Log> m_log;

@@ -1,6 +1,5 @@
 // The value rules every subsystem relies on: numeric prefix, 16-bit overflow, splitting and the list accessors.
 
-#include "Conversions.h"
 #include "ListStore.h"
 #include "RunError.h"
 #include "Values.h"
@@ -59,19 +58,6 @@ private Q_SLOTS:
         QCOMPARE(Split(QStringLiteral("a;"), QStringLiteral(";")), QStringList({"a", ""}));
         QCOMPARE(Trim(QStringLiteral(" \tx \r\n ")), QStringLiteral("\tx \r\n"));
         QVERIFY_THROWS_EXCEPTION(RunError, element(QStringList{"a"}, 1));
-    }
-
-    void conversions()
-    {
-        QCOMPARE(GetCatName(3), QStringLiteral("COMMAND_RESPONSE_ERROR"));
-        QCOMPARE(GetCatName(5007), QStringLiteral("GENERAL_STATUS"));
-        QCOMPARE(GetCatName(8), QString());
-        QCOMPARE(GetCatName(5008), QString());
-        QCOMPARE(GetCatIndex(QStringLiteral("chamber_alarm")), qint16(0)); // exact case
-        QCOMPARE(GetCatIndex(QStringLiteral("CHAMBER_ALARM")), qint16(5));
-        QCOMPARE(GetPriLevelName(3), QStringLiteral("Ignore"));
-        QCOMPARE(GetReportTypeName(-1), QStringLiteral("None"));
-        QCOMPARE(GetReportTypeName(4), QString());
     }
 
     void listStoreIsOneBasedAndChecksBounds()

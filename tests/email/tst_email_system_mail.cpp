@@ -199,15 +199,6 @@ private Q_SLOTS:
         QVERIFY(m_log->lstEmailStatus()->stringList().filter(QStringLiteral("did not finish")).isEmpty());
     }
 
-    void sendmailPathComesFromTheEnvironment()
-    {
-        qputenv("OSPREL_SENDMAIL", "/opt/mail/bin/sendmail");
-        QCOMPARE(SystemMail::defaultSendmailPath(), QStringLiteral("/opt/mail/bin/sendmail"));
-        QCOMPARE(SystemMail().sendmailPath(), QStringLiteral("/opt/mail/bin/sendmail"));
-        qunsetenv("OSPREL_SENDMAIL");
-        QCOMPARE(SystemMail::defaultSendmailPath(), QStringLiteral("/usr/sbin/sendmail"));
-    }
-
 private:
     QString script(const QString &name) const { return m_dir.filePath(name + QStringLiteral(".sh")); }
 
