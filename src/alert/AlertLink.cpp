@@ -1,6 +1,7 @@
 #include "AlertLink.h"
 
 #include "ErrorReport.h"
+#include "TimeScale.h"
 #include "FormLists.h"
 #include "FormTimers.h"
 #include "Globals.h"
@@ -37,7 +38,7 @@ bool AlertLink::Open_Link(clsAlertCls *obj)
             connect(obj, &clsAlertCls::AlertReady, this, &AlertLink::m_objAlertServer_AlertReady);
         }
         g.gblnServerLinked = !m_objAlertServer.isNull();
-        m_timers.tmrServer.start();
+        switchOn(m_timers.tmrServer);
         result = g.gblnServerLinked;
     });
     return result;

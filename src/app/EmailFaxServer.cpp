@@ -7,6 +7,7 @@
 #include "Dispatcher.h"
 #include "EmailQueue.h"
 #include "ErrorReport.h"
+#include "TimeScale.h"
 #include "FaxDevice.h"
 #include "FaxEngine.h"
 #include "FaxFinder.h"
@@ -137,8 +138,8 @@ void EmailFaxServer::VersionControl()
 
 void EmailFaxServer::TimerInit_Timer()
 {
-    m_timers.TimerMsgQue.start();
-    m_timers.TimerDBAlarms.start();
+    switchOn(m_timers.TimerMsgQue);
+    switchOn(m_timers.TimerDBAlarms);
     m_timers.TimerInit.stop();
     // Fax messaging was on when the server last ended: the modem is searched for once, so that faxes go on being
     // sent when it is there; without it the fax queue turns fax messaging off with a notice.

@@ -32,6 +32,12 @@ int TimeScale::interval(int designMs)
     return int(std::lround(designMs * scale()));
 }
 
+void switchOn(QTimer &timer)
+{
+    if (!timer.isActive())
+        timer.start();
+}
+
 void setupTimer(QTimer &timer, const QString &name, int designMs, bool enabled, bool singleShot)
 {
     timer.setObjectName(name);

@@ -17,6 +17,10 @@ public:
     static int interval(int designMs);
 };
 
+// Switches a timer on. A timer already running keeps its countdown: starting it again would put its next tick
+// off for as long as it keeps being switched on, as the dispatcher does for every job.
+void switchOn(QTimer &timer);
+
 // Sets up a named timer with its design interval (scaled) and its enabled state at design.
 void setupTimer(QTimer &timer, const QString &name, int designMs, bool enabled, bool singleShot = false);
 

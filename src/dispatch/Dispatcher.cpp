@@ -5,6 +5,7 @@
 #include "Clock.h"
 #include "Conversions.h"
 #include "ErrorReport.h"
+#include "TimeScale.h"
 #include "FormLists.h"
 #include "FormTimers.h"
 #include "Globals.h"
@@ -71,7 +72,7 @@ void Dispatcher::dispatchHead()
         m_lists.lvwSendEmailQue.add(QStringList{GetDateTimeStamp(), message, summary.chamberName, g.gstrEmailRecipients,
                                                 QStringLiteral("0"), summary.categoryName, summaryLine,
                                                 summary.alertNumber});
-        m_timers.TimerEmailMsgQue.start();
+        switchOn(m_timers.TimerEmailMsgQue);
     }
     if (sendNow && m_switches.chkEnableFax() && !m_lists.lvwFaxContacts.isEmpty()) {
         const ListStore &recipients = m_lists.lvwFaxContacts;
@@ -79,7 +80,7 @@ void Dispatcher::dispatchHead()
             m_lists.lvwSendFaxQue.add(QStringList{
                 GetDateTimeStamp(), message, summary.chamberName, recipients.text(j, 3), QStringLiteral("0"),
                 summary.categoryName, summaryLine, recipients.text(j, 1), recipients.text(j, 2), summary.alertNumber});
-            m_timers.TimerFaxMsgQue.start();
+            switchOn(m_timers.TimerFaxMsgQue);
         }
     }
     incoming.remove(1);

@@ -2,6 +2,7 @@
 
 #include "AlarmQueue.h"
 #include "ErrorReport.h"
+#include "TimeScale.h"
 #include "FormLists.h"
 #include "FormTimers.h"
 #include "PrioritySetupPort.h"
@@ -151,7 +152,7 @@ void PrioritySetup::cmdAddErr_Click()
 {
     guarded(QStringLiteral("cmdAddErr_Click"), [&] {
         m_lists.lvwMsgQue.add(QStringList{QString(), kSampleAlert});
-        m_timers.TimerMsgQue.start();
+        switchOn(m_timers.TimerMsgQue);
     });
 }
 

@@ -4,6 +4,7 @@
 #include "Conversions.h"
 #include "Database.h"
 #include "ErrorReport.h"
+#include "TimeScale.h"
 #include "FormLists.h"
 #include "FormTimers.h"
 #include "Globals.h"
@@ -43,7 +44,7 @@ void AlarmQueue::DBAddAlmMsg(const QString &ErrID, const QString &AlarmString, q
         m_timers.TimerMsgQue.stop();
         m_database.run(QStringLiteral("UPDATE AlarmMsgs SET OverWrite = TRUE WHERE OverWrite = FALSE"));
         storeInFreeSlot(ErrID, AlarmString, Catagory, Priority, HistData);
-        m_timers.TimerMsgQue.start();
+        switchOn(m_timers.TimerMsgQue);
     });
 }
 
@@ -114,7 +115,7 @@ void AlarmQueue::queueReport(const QString &report, const QString &title, const 
         m_lists.lvwSendEmailQue.add(QStringList{GetDateTimeStamp(), report, title, g.gstrEmailRecipients,
                                                 QStringLiteral("0"), QStringLiteral("*"), alertLine,
                                                 QStringLiteral("*")});
-        m_timers.TimerEmailMsgQue.start();
+        switchOn(m_timers.TimerEmailMsgQue);
     }
     if (m_port.chkEnableFax() && !m_lists.lvwFaxContacts.isEmpty()) {
         const ListStore &recipients = m_lists.lvwFaxContacts;
@@ -123,7 +124,7 @@ void AlarmQueue::queueReport(const QString &report, const QString &title, const 
                                                   QStringLiteral("0"), QStringLiteral("*"), alertLine,
                                                   recipients.text(j, 1), recipients.text(j, 2), QStringLiteral("*")});
         }
-        m_timers.TimerFaxMsgQue.start();
+        switchOn(m_timers.TimerFaxMsgQue);
     }
 }
 

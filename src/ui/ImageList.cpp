@@ -37,10 +37,17 @@ QPixmap draw(int size, const QColor &ring, const QColor &mark, int image)
 
 QIcon imageListIcon(int image)
 {
+    // Painted once each: the tray flashes by switching between them on every status refresh.
+    static QIcon cache[4];
+    const int slot = image >= 1 && image <= 3 ? image : 1;
+    if (!cache[slot].isNull())
+        return cache[slot];
+    image = slot;
     const QColor ring = image == 2 ? QColor(40, 140, 60) : image == 3 ? QColor(200, 40, 40) : QColor(40, 90, 160);
     QIcon icon;
     for (int size : {16, 22, 32, 48, 64})
         icon.addPixmap(draw(size, ring, ring, image));
+    cache[slot] = icon;
     return icon;
 }
 

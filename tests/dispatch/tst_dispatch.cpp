@@ -138,6 +138,22 @@ private Q_SLOTS:
         QCOMPARE(status.at(0), QVariantList({true, qint16(1), qint16(0)}));
     }
 
+    void queuingKeepsTheSendTimersCountdown()
+    {
+        // A queue timer already running is left alone: restarting it on every job would put the sending off for
+        // as long as alerts keep coming.
+        m_f->timers.TimerEmailMsgQue.start();
+        m_f->timers.TimerFaxMsgQue.start();
+        const int email = m_f->timers.TimerEmailMsgQue.timerId(), fax = m_f->timers.TimerFaxMsgQue.timerId();
+        for (int i = 1; i <= 2; ++i) {
+            m_f->lists.lvwMsgQue.add(QStringList{QString(), alert(QString::number(i), "5005"), QString(), "5005"});
+            m_dispatcher->TimerMsgQue_Timer();
+        }
+        QCOMPARE(m_f->lists.lvwSendEmailQue.count(), 2);
+        QCOMPARE(m_f->timers.TimerEmailMsgQue.timerId(), email);
+        QCOMPARE(m_f->timers.TimerFaxMsgQue.timerId(), fax);
+    }
+
     void aMalformedAlertCannotHoldBackTheQueue()
     {
         m_f->lists.lvwMsgQue.add(QStringList{QString(), QStringLiteral("1|x|y|z|w|99999|t"), QString(), "99999"});

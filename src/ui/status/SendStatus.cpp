@@ -2,6 +2,7 @@
 
 #include "AlertLink.h"
 #include "ErrorReport.h"
+#include "TimeScale.h"
 #include "FormLists.h"
 #include "FormTimers.h"
 #include "Globals.h"
@@ -155,7 +156,7 @@ void SendStatus::emailFailed()
     if (g.glngEmailAttempts < 2) {
         history.setText(1, kStatusColumn, QStringLiteral("Attempt %1 Failed").arg(g.glngEmailAttempts + 1));
         g.glngEmailAttempts += 1;
-        m_timers.TimerEmailMsgQue.start();
+        switchOn(m_timers.TimerEmailMsgQue);
     } else {
         history.setText(1, kStatusColumn, QStringLiteral("Attempt 3 Failed"));
         if (!m_lists.lvwSendEmailQue.isEmpty()) {
@@ -176,7 +177,7 @@ void SendStatus::rearmEmailQueue()
     if (m_lists.lvwSendEmailQue.isEmpty())
         m_timers.TimerEmailMsgQue.stop();
     else
-        m_timers.TimerEmailMsgQue.start();
+        switchOn(m_timers.TimerEmailMsgQue);
 }
 
 void SendStatus::faxSending()
