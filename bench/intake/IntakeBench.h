@@ -1,11 +1,11 @@
 #pragma once
-// The chamber side of the intake bench: one bus connection that creates and links an alert object (starting the
-// server), times series of blocking calls on it, reads the server's memory, and unlinks.
+// The chamber side of the intake bench: a chamber link that times series of blocking calls on its alert object,
+// counts the AlertReady events they bring back, and reads the server's memory.
 
+#include "ChamberLink.h"
 #include "LatencyStats.h"
 #include "SignalCounter.h"
 
-#include <QDBusConnection>
 #include <QDBusMessage>
 #include <QString>
 #include <sys/types.h>
@@ -18,13 +18,14 @@ public:
     IntakeBench(const IntakeBench &) = delete;
     IntakeBench &operator=(const IntakeBench &) = delete;
 
-    bool connect(QString *error);
-    // Asks the factory for an alert object (the bus starts the server when none runs), links, and looks up the
-    // server's process id.
+    bool connect(QString *error) { return m_link.connect(error); }
+    // Asks the factory for an alert object (the bus starts the server when none runs), counts its AlertReady
+    // events, links, and looks up the server's process id.
     bool createAndLink(QString *error);
-    // Unlinks now and waits until the server has left the bus and its process has ended; *leftAfterMs is how long
-    // that took after the unlink call returned.
-    bool unlinkAndWaitForExit(qint64 *leftAfterMs, QString *error);
+    bool unlinkAndWaitForExit(qint64 *leftAfterMs, QString *error)
+    {
+        return m_link.unlinkAndWaitForExit(leftAfterMs, error);
+    }
 
     // The bus's own round trip: the peer interface is answered by the server's bus library without reaching the
     // server's event loop.
@@ -34,13 +35,11 @@ public:
     // SendAlert with one alert text; each call queues one alert in the server and brings back one AlertReady.
     bool timeSendAlert(const QString &alert, int warmUp, int calls, LatencyStats *stats, QString *error);
 
-    pid_t serverPid() const { return m_serverPid; }
+    pid_t serverPid() const { return m_link.serverPid(); }
     // Lets the server settle for a moment, then reads its VmRSS in KiB (-1 when unreadable).
     qint64 settledServerRssKiB(int settleMs);
 
 private:
-    QDBusMessage alertCall(const QString &method) const;
-    bool serverCmd(qint16 command, QString *error);
     // Times `calls` blocking calls of one message after `warmUp` untimed ones. The client handles its incoming
     // events between calls, outside the timed call but inside the series' wall time, as a chamber program would.
     bool timeSeries(const QDBusMessage &call, int warmUp, int calls, qint64 eventsPerCall, LatencyStats *stats,
@@ -48,10 +47,7 @@ private:
     // Runs the event loop until `expected` events were counted or timeoutMs passed.
     bool awaitEvents(qint64 expected, int timeoutMs);
 
-    QString m_address;
-    QString m_connectionName;
-    QDBusConnection m_connection;
+    ChamberLink m_link;
     SignalCounter m_events;
-    QString m_path;
-    pid_t m_serverPid = 0;
+    bool m_subscribed = false;
 };

@@ -2,13 +2,13 @@
 // how much memory queued alerts cost it. Prints figures beside their targets; exits non-zero only when the bench
 // itself could not run.
 
+#include "AlertText.h"
 #include "IntakeBench.h"
 #include "PrivateBus.h"
+#include "Report.h"
 
 #include <QCoreApplication>
 #include <QString>
-#include <cstdarg>
-#include <cstdio>
 
 namespace {
 
@@ -19,23 +19,12 @@ constexpr int kAlerts = 10000;
 constexpr int kSettleMs = 500;
 
 // One alert as a chamber program sends it.
-const QString kAlert = QStringLiteral("123|456;Chamber 4;Warehouse chamber;On;QLM V;T/H;Running;Yes|999;CH1 actual "
-                                      "high alarm|200;210;100;0|100;95;100;0|5|9:55 pm");
+const QString kAlert = chamberAlert(123, ChamberAlarm);
 
 constexpr double kMinRate = 5000;    // alerts per second
 constexpr double kMaxP99Ms = 2.0;    // SendAlert 99th percentile
 constexpr double kMaxRatio = 1.5;    // SendAlert latency over the bus round trip
 constexpr double kMaxAddedMB = 40.0; // memory for the queued alerts
-
-void print(const char *format, ...) __attribute__((format(printf, 1, 2)));
-void print(const char *format, ...)
-{
-    va_list arguments;
-    va_start(arguments, format);
-    std::vfprintf(stdout, format, arguments);
-    va_end(arguments);
-    std::fflush(stdout);
-}
 
 void printSeries(const char *name, const LatencyStats &s)
 {
@@ -43,21 +32,9 @@ void printSeries(const char *name, const LatencyStats &s)
           s.callsPerSecond, s.firstTenthP50Us, s.lastTenthP50Us);
 }
 
-void printTarget(const QString &name, const QString &figure, const QString &target, bool met)
-{
-    print("%-40s %14s   %-12s %s\n", name.toUtf8().constData(), figure.toUtf8().constData(),
-          target.toUtf8().constData(), met ? "PASS" : "MISS");
-}
-
 double megabytes(qint64 kib)
 {
     return double(kib) * 1024.0 / 1e6;
-}
-
-int fail(const QString &what)
-{
-    std::fprintf(stderr, "bench-intake: %s\n", what.toUtf8().constData());
-    return 1;
 }
 
 } // namespace
@@ -65,7 +42,9 @@ int fail(const QString &what)
 int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
+    ignoreBrokenPipe();
     QString error;
+    printLoad("at start");
 
     PrivateBus bus;
     if (!bus.start(&error))
@@ -122,7 +101,8 @@ int main(int argc, char **argv)
     const double p99Ms = send.p99Us / 1000.0;
     const double ratio50 = ping.p50Us > 0 ? send.p50Us / ping.p50Us : 0;
     const double ratio99 = ping.p99Us > 0 ? send.p99Us / ping.p99Us : 0;
-    print("\n%-40s %14s   %-12s %s\n", "target", "figure", "target", "result");
+    printLoad("at end");
+    printTargetHeader();
     printTarget(QStringLiteral("SendAlert rate (slower of both runs)"), QString::asprintf("%.0f /s", rate),
                 QString::asprintf(">= %.0f /s", kMinRate), rate >= kMinRate);
     printTarget(QStringLiteral("SendAlert p99"), QString::asprintf("%.3f ms", p99Ms),

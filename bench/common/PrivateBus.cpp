@@ -57,13 +57,16 @@ bool PrivateBus::start(QString *error)
         return false;
     }
 
-    // The daemon, and the server it starts, inherit this environment: a fresh data folder, no display, the
-    // design timer intervals, and no way back to the user's own session bus.
+    // The daemon, and the server it starts, inherit this environment: a fresh data folder, no display, the bench's
+    // time scale, no probing of the machine's serial ports for a fax modem, and no way back to the user's own
+    // session bus.
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("OSPREL_HOME"), dataFolder());
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtime);
     environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    environment.remove(QStringLiteral("OSPREL_TIME_SCALE"));
+    environment.insert(QStringLiteral("OSPREL_TIME_SCALE"), QString::number(m_timeScale, 'g', 10));
+    environment.insert(QStringLiteral("OSPREL_FAX_SYSTEM_PORTS"), QStringLiteral("0"));
+    environment.remove(QStringLiteral("OSPREL_FAX_DEVICES"));
     environment.remove(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"));
 
     QProcess script;

@@ -14,6 +14,9 @@ public:
     PrivateBus(const PrivateBus &) = delete;
     PrivateBus &operator=(const PrivateBus &) = delete;
 
+    // The time scale (OSPREL_TIME_SCALE) of the server this bus starts; 1, the design intervals, unless set before
+    // start().
+    void setTimeScale(double factor) { m_timeScale = factor; }
     // Starts the daemon through the project's bus helper script; false with the reason in *error.
     bool start(QString *error);
     // The server the daemon started: stop() makes sure it has ended before the folders go.
@@ -29,4 +32,5 @@ private:
     QString m_address;
     pid_t m_pid = 0;
     pid_t m_serverPid = 0;
+    double m_timeScale = 1;
 };

@@ -1,0 +1,163 @@
+// bench-fax: what a fax page costs. Rendering and coding one notification page beside Debian's efix on the same
+// text, in the same run; and one page sent through the software fax modem, beside the line's own limit (the page's
+// bits at the negotiated rate). Prints figures; not a test.
+
+#include "FaxDocument.h"
+#include "FaxEngine.h"
+#include "SoftModem.h"
+#include "T30Params.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <cstdio>
+
+using namespace osprel;
+using osprel::faxlab::SoftModem;
+
+namespace {
+constexpr int kRuns = 20;
+
+// A notification page as the server writes it: the address header and the 27 lines.
+void writePage(const QString &path)
+{
+    QFile f(path);
+    if (!f.open(QIODevice::WriteOnly))
+        return;
+    f.write("To: Al Roe\r\nFax Number: 5550002222\r\n\r\nChamber Notification\r\n\r\nChamber Information:\r\n");
+    const char *labels[] = {"Alert ID: 31", "Chamber ID: 4", "Chamber Name: Chamber 4", "Chamber Description: Walk-in",
+                            "On / Off: On", "Controller Name: QLM V", "Configuration: T/H", "Status: Running",
+                            "Logging: Yes"};
+    for (const char *label : labels)
+        f.write(QByteArray("\t") + label + "\r\n");
+    f.write("Alarm Information:\r\n\tError Code: 999\r\n\tError Message: CH1 actual high\r\n");
+    f.write("\tAlarm Category: CHAMBER_ALARM\r\n\tAlarm Time: 9:55 pm\r\nChannel 1 Data:\r\n");
+    for (const char *line : {"\tCH1 Set Point: 85", "\tCH1 Actual: 91", "\tCH1 Heat PID: 100", "\tCH1 Cool PID: 0"})
+        f.write(QByteArray(line) + "\r\n");
+    f.write("Channel 2 Data:\r\n");
+    for (const char *line : {"\tCH2 Set Point: 60", "\tCH2 Actual: 58", "\tCH2 Heat/Humidify PID: 40",
+                             "\tCH2 Cool/Dehumidify PID: 0"})
+        f.write(QByteArray(line) + "\r\n");
+    f.write("\r\n");
+}
+
+qint64 folderSize(const QString &folder, const QString &pattern)
+{
+    qint64 size = 0;
+    for (const QFileInfo &info : QDir(folder).entryInfoList({pattern}, QDir::Files))
+        size += info.size();
+    return size;
+}
+
+// One page through the software modem; the wall time from send() to the completion, and what the line did.
+bool sendOnePage(const QString &image, const QString &folder)
+{
+    SoftModem::Options options;
+    options.linkPath = folder + QStringLiteral("/ttyFAXBENCH");
+    options.receivedTiff = folder + QStringLiteral("/received.tif");
+    SoftModem modem(options);
+    QString error;
+    if (!modem.start(&error)) {
+        std::fprintf(stderr, "bench-fax: software modem: %s\n", qPrintable(error));
+        return false;
+    }
+    FaxEngine engine;
+    engine.setPort(modem.linkPath());
+    engine.setNumber(QStringLiteral("15550002222"));
+    engine.setFileToSend(image);
+    engine.setStationId(QStringLiteral("OSPREL BENCH"));
+    QEventLoop loop;
+    int errorCode = -1;
+    QString speed;
+    QObject::connect(&engine, &FaxEngine::CompletionStatus, &loop, [&](const FaxEvent &e) {
+        errorCode = e.errorCode;
+        speed = e.speed;
+        loop.quit();
+    });
+    QTimer::singleShot(120000, &loop, &QEventLoop::quit); // bounded
+    QElapsedTimer wall;
+    wall.start();
+    if (!engine.send())
+        return false;
+    loop.exec();
+    const double seconds = wall.elapsed() / 1000.0;
+    const SoftModem::Result r = modem.result();
+    if (errorCode != 0 || r.bitRate <= 0) {
+        std::fprintf(stderr, "bench-fax: the fax failed (error %d)\n", errorCode);
+        return false;
+    }
+    FaxDocument doc;
+    doc.open(image, nullptr);
+    const QByteArray pageData = doc.encodePage(0, true, T30Params::minBytesPerLine(r.bitRate, 0));
+    const double lineLimit = pageData.size() * 8.0 / r.bitRate;
+    std::printf("\none page through the software modem (spandsp T.31, Class 1)\n");
+    std::printf("  negotiated rate                     %6d bit/s, %d page(s) received, %d bad rows\n", r.bitRate,
+                r.pages, r.badRows);
+    std::printf("  page data                           %6d bytes: %.1f s at that rate (the line's own limit)\n",
+                int(pageData.size()), lineLimit);
+    std::printf("  whole call on the simulated line    %6.1f s (dial, training, page, post-page)\n", r.virtualSeconds);
+    std::printf("  wall time, send() to completion     %6.1f s (the modem's clock runs faster while it can)\n", seconds);
+    return true;
+}
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication app(argc, argv);
+    QTemporaryDir dir;
+    const QString text = dir.filePath(QStringLiteral("FaxText.txt"));
+    const QString image = dir.filePath(QStringLiteral("FaxImage.fmf"));
+    writePage(text);
+
+    QString error;
+    if (!FaxEngine::convertText(text, image, &error)) { // also the warm-up: fonts
+        std::fprintf(stderr, "bench-fax: %s\n", qPrintable(error));
+        return 1;
+    }
+    QElapsedTimer t;
+    t.start();
+    for (int i = 0; i < kRuns; ++i)
+        FaxEngine::convertText(text, image, nullptr);
+    const double ourMs = double(t.elapsed()) / kRuns;
+    const qint64 ourSize = QFileInfo(image).size();
+
+    // efix on the same text: one TIFF G3 file per page.
+    const QString efixOut = dir.filePath(QStringLiteral("efix"));
+    QDir().mkpath(efixOut);
+    double efixMs = -1;
+    QProcess efix;
+    t.restart();
+    for (int i = 0; i < kRuns; ++i) {
+        efix.start(QStringLiteral("efix"), {QStringLiteral("-n"), efixOut + QStringLiteral("/page.%03d"), text});
+        if (!efix.waitForFinished(10000) || efix.exitCode() != 0) {
+            std::fprintf(stderr, "bench-fax: efix failed: %s\n", efix.readAllStandardError().constData());
+            break;
+        }
+        efixMs = double(t.elapsed()) / (i + 1);
+    }
+    const qint64 efixSize = folderSize(efixOut, QStringLiteral("page.*"));
+
+    std::printf("one notification page, text to fax image (mean of %d runs)\n", kRuns);
+    std::printf("  ours: render, threshold, G3 TIFF    %6.1f ms  %6lld bytes  (1728 x 2156, 204 x 196 dpi)\n", ourMs,
+                ourSize);
+    if (efixMs >= 0)
+        std::printf("  efix (a process each run)           %6.1f ms  %6lld bytes  (1728 x 2287, 204 x 196 dpi)\n",
+                    efixMs, efixSize);
+    FaxDocument doc;
+    doc.open(image, nullptr);
+    t.restart();
+    QByteArray coded;
+    for (int i = 0; i < kRuns; ++i)
+        coded = doc.encodePage(0, true, 0);
+    std::printf("  coding the page for the line (T.4)  %6.1f ms  %6d bytes\n", double(t.elapsed()) / kRuns,
+                int(coded.size()));
+
+    return sendOnePage(image, dir.path()) ? 0 : 1;
+}

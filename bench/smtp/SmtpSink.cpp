@@ -1,0 +1,112 @@
+// Starts the bench's SMTP sink and reads its receipts.
+
+#include "SmtpSink.h"
+
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QFile>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <ctime>
+
+namespace {
+
+// Debian's interpreter: the python3 first on the PATH of these machines does not see Debian's packages.
+const QString kPython = QStringLiteral("/usr/bin/python3");
+constexpr int kStartTimeoutMs = 15000;
+
+quint16 freePort()
+{
+    QTcpServer server;
+    return server.listen(QHostAddress::LocalHost, 0) ? server.serverPort() : 0;
+}
+
+bool accepts(quint16 port)
+{
+    QTcpSocket socket;
+    socket.connectToHost(QHostAddress::LocalHost, port);
+    const bool connected = socket.waitForConnected(200);
+    socket.abort();
+    return connected;
+}
+
+} // namespace
+
+qint64 monotonicNs()
+{
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return qint64(now.tv_sec) * 1000000000 + now.tv_nsec;
+}
+
+SmtpSink::SmtpSink()
+{
+    m_process.setProcessChannelMode(QProcess::MergedChannels);
+}
+
+SmtpSink::~SmtpSink()
+{
+    if (m_process.state() != QProcess::NotRunning) {
+        m_process.terminate();
+        if (!m_process.waitForFinished(5000)) {
+            m_process.kill();
+            m_process.waitForFinished(5000);
+        }
+    }
+}
+
+bool SmtpSink::start(QString *error)
+{
+    if (!m_dir.isValid()) {
+        *error = QStringLiteral("cannot make a temporary folder: ") + m_dir.errorString();
+        return false;
+    }
+    m_port = freePort();
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("PYTHONPATH"), QStringLiteral(OSPREL_BENCH_SMTP_DIR));
+    environment.insert(QStringLiteral("PYTHONDONTWRITEBYTECODE"), QStringLiteral("1"));
+    m_process.setProcessEnvironment(environment);
+    m_process.start(kPython,
+                    {QStringLiteral("-m"), QStringLiteral("aiosmtpd"), QStringLiteral("-n"), QStringLiteral("-l"),
+                     address(), QStringLiteral("-c"), QStringLiteral("smtp_sink.ReceiptLog"),
+                     m_dir.filePath(QStringLiteral("maildir")), m_dir.filePath(QStringLiteral("receipts"))});
+    const QDeadlineTimer deadline(kStartTimeoutMs);
+    while (!deadline.hasExpired()) {
+        if (m_process.state() == QProcess::NotRunning)
+            break;
+        if (accepts(m_port))
+            return true;
+        m_process.waitForReadyRead(50); // lets the server start without spinning
+    }
+    *error = QStringLiteral("aiosmtpd did not start: ") + QString::fromLocal8Bit(m_process.readAll());
+    return false;
+}
+
+const QList<Receipt> &SmtpSink::receipts()
+{
+    QFile file(m_dir.filePath(QStringLiteral("receipts")));
+    if (!file.open(QIODevice::ReadOnly) || !file.seek(m_readUpTo))
+        return m_receipts;
+    const QByteArray added = file.readAll();
+    const qsizetype end = added.lastIndexOf('\n') + 1; // a line still being written waits for the next call
+    m_readUpTo += end;
+    for (const QByteArray &line : added.left(end).split('\n')) {
+        const QList<QByteArray> fields = line.split(' ');
+        bool ok = false;
+        Receipt receipt;
+        receipt.receivedNs = fields.size() == 3 ? fields.at(0).toLongLong(&ok) : 0;
+        if (!ok)
+            continue;
+        receipt.alertNumber = fields.at(1) == "-" ? -1 : fields.at(1).toInt();
+        receipt.bytes = fields.at(2).toLongLong();
+        m_receipts.append(receipt);
+    }
+    return m_receipts;
+}
+
+QString SmtpSink::anyStoredMessage() const
+{
+    const QDir stored(m_dir.filePath(QStringLiteral("maildir/new")));
+    const QStringList files = stored.entryList(QDir::Files, QDir::Name);
+    return files.isEmpty() ? QString() : stored.filePath(files.constFirst());
+}
