@@ -23,6 +23,7 @@
 #include "SmtpClient.h"
 #include "TrayState.h"
 #include "Values.h"
+#include "Version.h"
 
 namespace osprel {
 
@@ -32,12 +33,6 @@ constexpr int kImageNormal = 1;
 constexpr int kTrayLeftButtonUp = 514;
 constexpr int kTrayLeftButtonDoubleClick = 515;
 } // namespace
-
-QString versionText()
-{
-    return QString::number(OSPREL_VERSION_MAJOR) + u'.' + QString::number(OSPREL_VERSION_MINOR) + u'.' +
-           QString::number(OSPREL_VERSION_PATCH);
-}
 
 EmailFaxServer::EmailFaxServer(Log &log, QObject *parent) : QObject(parent), m_log(log), m_link(m_lists, m_timers)
 {

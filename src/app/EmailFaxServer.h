@@ -112,7 +112,4 @@ private:
     bool m_unloaded = false;
 };
 
-// The version as major.minor.revision.
-QString versionText();
-
 } // namespace osprel

@@ -11,17 +11,12 @@
 #include "QueueRoutines.h"
 #include "SmtpClient.h"
 #include "Values.h"
+#include "Version.h"
 
 #include <QSqlQuery>
 #include <QVariant>
 
 namespace osprel {
-
-QString versionNumber()
-{
-    return QString::number(OSPREL_VERSION_MAJOR) + u'.' + QString::number(OSPREL_VERSION_MINOR) + u'.' +
-           QString::number(OSPREL_VERSION_PATCH);
-}
 
 EmailQueue::EmailQueue(FormLists &lists, FormTimers &timers, const Database &database, SmtpClient &smtp,
                        EmailQueuePort &port, QObject *parent)
@@ -66,7 +61,7 @@ void EmailQueue::cmdTestEmail_Click()
         }
         m_port.setTxtTestEmailProg(QStringLiteral("Initializing..."));
         g.gblnEmailTest = true;
-        const QString body = m_port.txtTestEMailMessage() + QStringLiteral("\r\nVersion ") + versionNumber() +
+        const QString body = m_port.txtTestEMailMessage() + QStringLiteral("\r\nVersion ") + versionText() +
                              QStringLiteral("\r\nSent ") + generalDateTime(Clock::now());
         m_smtp.SendEmail(to, m_port.txtTestEMailSubject(), body);
     });

@@ -32,7 +32,4 @@ private:
     EmailQueuePort &m_port;
 };
 
-// The version line of a test message: major.minor.revision.
-QString versionNumber();
-
 } // namespace osprel
