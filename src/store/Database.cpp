@@ -81,13 +81,18 @@ QSqlQuery Database::run(const QString &sql, const QVariantList &values) const
         raise(Err::ConnectionClosed);
     QSqlQuery query(QSqlDatabase::database(m_connectionName, false));
     query.setForwardOnly(true);
+    execBound(query, sql, values);
+    return query;
+}
+
+void execBound(QSqlQuery &query, const QString &sql, const QVariantList &values)
+{
     if (!query.prepare(sql))
         raise(Err::ProviderError, query.lastError().text());
     for (const QVariant &value : values)
         query.addBindValue(value);
     if (!query.exec())
         raise(Err::ProviderError, query.lastError().text());
-    return query;
 }
 
 QString textOf(const QSqlQuery &query, const char *column)

@@ -37,6 +37,9 @@ private:
     bool m_open = false;
 };
 
+// Prepares sql on query, binds the values and runs it; raises a run-time error when either step fails.
+void execBound(QSqlQuery &query, const QString &sql, const QVariantList &values = {});
+
 // A column's value as text; a null raises Invalid use of Null (94), as reading it into a string does.
 QString textOf(const QSqlQuery &query, const char *column);
 // The same, with null read as empty (columns that may be null).

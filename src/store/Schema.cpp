@@ -1,5 +1,6 @@
 #include "Schema.h"
 
+#include "Database.h"
 #include "RunError.h"
 
 #include <QSqlError>
@@ -45,16 +46,6 @@ struct LevelDefault
 };
 // High: at once. Mid: at once, and an hourly summary on the hour. Low: a daily summary at 08:00.
 const LevelDefault kLevels[3] = {{1, -1, 0, 1, 0}, {1, 1, 0, 1, 0}, {0, 2, 0, 8, 0}};
-
-void exec(QSqlQuery &query, const QString &sql, const QVariantList &values = {})
-{
-    if (!query.prepare(sql))
-        raise(Err::ProviderError, query.lastError().text());
-    for (const QVariant &value : values)
-        query.addBindValue(value);
-    if (!query.exec())
-        raise(Err::ProviderError, query.lastError().text());
-}
 } // namespace
 
 void createSchema(QSqlDatabase &database, int poolSize)
@@ -64,24 +55,25 @@ void createSchema(QSqlDatabase &database, int poolSize)
     try {
         QSqlQuery query(database);
         for (const char *sql : kTables)
-            exec(query, QString::fromLatin1(sql));
-        exec(query,
-             QStringLiteral("INSERT INTO SetupComm (EmailServer, EmailReturnAddress, EmailReturnName, FaxStation,"
-                            " EmailEnabledAtBoot, FaxEnabledAtBoot) VALUES (?, ?, ?, ?, ?, ?)"),
-             {QStringLiteral("localhost"), QStringLiteral("emailfax@localhost"), QStringLiteral("Osprel EmailFax"),
-              QStringLiteral("Osprel"), 1, 0});
-        exec(query, QStringLiteral("INSERT INTO SetupModem (DevInitStr, ClassOptBtn) VALUES (?, ?)"),
-             {QStringLiteral("AT&FE0V1&C1&D2S0=0"), 0});
+            execBound(query, QString::fromLatin1(sql));
+        execBound(query,
+                  QStringLiteral("INSERT INTO SetupComm (EmailServer, EmailReturnAddress, EmailReturnName, FaxStation,"
+                                 " EmailEnabledAtBoot, FaxEnabledAtBoot) VALUES (?, ?, ?, ?, ?, ?)"),
+                  {QStringLiteral("localhost"), QStringLiteral("emailfax@localhost"), QStringLiteral("Osprel EmailFax"),
+                   QStringLiteral("Osprel"), 1, 0});
+        execBound(query, QStringLiteral("INSERT INTO SetupModem (DevInitStr, ClassOptBtn) VALUES (?, ?)"),
+                  {QStringLiteral("AT&FE0V1&C1&D2S0=0"), 0});
         for (const char *level : kCategoryLevels)
-            exec(query, QStringLiteral("INSERT INTO SetupPriority (PLevelID) VALUES (?)"),
-                 {QString::fromLatin1(level)});
+            execBound(query, QStringLiteral("INSERT INTO SetupPriority (PLevelID) VALUES (?)"),
+                      {QString::fromLatin1(level)});
         for (int id = 0; id < 3; ++id) {
             const LevelDefault &d = kLevels[id];
-            exec(query,
-                 QStringLiteral("INSERT INTO SetupPriorityDef (PriorityID, Immediate, OnceEvery, OnceEveryHourMin,"
-                                " OnceEveryDayHour, OnceEveryWeekDay, SendFirstEnabled, SendFirst, SendAfterEnabled,"
-                                " SendAfter, ResetHour, ResetDay) VALUES (?, ?, ?, ?, ?, ?, 0, 0, 0, 0, 1, 0)"),
-                 {id, d.immediate, d.onceEvery, d.hourMin, d.dayHour, d.weekDay});
+            execBound(
+                query,
+                QStringLiteral("INSERT INTO SetupPriorityDef (PriorityID, Immediate, OnceEvery, OnceEveryHourMin,"
+                               " OnceEveryDayHour, OnceEveryWeekDay, SendFirstEnabled, SendFirst, SendAfterEnabled,"
+                               " SendAfter, ResetHour, ResetDay) VALUES (?, ?, ?, ?, ?, ?, 0, 0, 0, 0, 1, 0)"),
+                {id, d.immediate, d.onceEvery, d.hourMin, d.dayHour, d.weekDay});
         }
         if (!query.prepare(QStringLiteral("INSERT INTO AlarmMsgs (OverWrite) VALUES (1)")))
             raise(Err::ProviderError, query.lastError().text());
