@@ -7,10 +7,12 @@
 #include "BusServer.h"
 #include "EmailFaxServer.h"
 #include "FormLists.h"
+#include "FormWiring.h"
 #include "Globals.h"
 #include "Log.h"
 #include "MainWindow.h"
 #include "Waiting.h"
+#include "pages/AlarmSetupPage.h"
 
 #include <QDBusConnection>
 #include <QEventLoop>
@@ -82,9 +84,9 @@ bool DispatchBench::start(QString *error)
     resetGlobals();
     g.gstrAppPath = home;
     m_log = std::make_unique<Log>(home);
-    m_server = std::make_unique<EmailFaxServer>(*m_log);
-    m_window = std::make_unique<MainWindow>(*m_server, *m_log);
-    m_server->setPort(m_window.get());
+    m_window = std::make_unique<MainWindow>(m_lists, *m_log);
+    m_server = std::make_unique<EmailFaxServer>(*m_log, m_lists, m_window->ports());
+    wireForm(*m_window, *m_server);
     m_server->Form_Load();
     FormTimers &timers = m_server->timers();
     timers.TimerEmailMsgQue.setInterval(kParkedMs);
@@ -156,7 +158,7 @@ int DispatchBench::heldAlarms() const
     // The per-category counters count every alarm held, also across a full pool being emptied.
     int held = 0;
     for (int i = 0; i < 8; ++i)
-        held += m_window->lblQueuedAlarms(i).toInt();
+        held += m_window->alarmSetupPage()->lblQueuedAlarms(i).toInt();
     return held;
 }
 
@@ -236,8 +238,8 @@ void DispatchBench::stop()
     if (m_busServer)
         m_busServer->stop();
     m_busServer.reset();
-    m_window.reset();
     m_server.reset();
+    m_window.reset();
     m_log.reset();
     m_bus.stop();
 }

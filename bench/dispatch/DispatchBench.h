@@ -3,6 +3,7 @@
 // process, a prepared database, and every timer at interval 0, so that TimerMsgQue dispatches back to back. It
 // keeps the incoming queue at a chosen length and measures what each dispatched alert costs.
 
+#include "FormLists.h"
 #include "PrivateBus.h"
 
 #include <QElapsedTimer>
@@ -60,11 +61,12 @@ private:
     void handIn();
     int heldAlarms() const;
 
-    PrivateBus m_bus;
+    PrivateBus m_bus{1};
     QTcpServer m_silentMailServer;
     std::unique_ptr<osprel::Log> m_log;
-    std::unique_ptr<osprel::EmailFaxServer> m_server;
+    osprel::FormLists m_lists;
     std::unique_ptr<osprel::MainWindow> m_window;
+    std::unique_ptr<osprel::EmailFaxServer> m_server;
     std::unique_ptr<osprel::BusServer> m_busServer;
     QProcess m_chamber;
     int m_nextAlert = 1;

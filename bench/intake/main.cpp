@@ -46,7 +46,7 @@ int main(int argc, char **argv)
     QString error;
     printLoad("at start");
 
-    PrivateBus bus;
+    PrivateBus bus(1);
     if (!bus.start(&error))
         return fail(error);
     IntakeBench bench(bus.address());

@@ -29,7 +29,7 @@ constexpr int kOutcomeTimeoutMs = 10000;
 class ServerUnderTest
 {
 public:
-    explicit ServerUnderTest(double timeScale) { m_bus.setTimeScale(timeScale); }
+    explicit ServerUnderTest(double timeScale) : m_bus(timeScale) {}
 
     bool start(const QString &mailServer, DeliveryCounter *counter, QString *error)
     {
@@ -67,7 +67,7 @@ private:
 };
 
 // The receipts after the first `skip`, once there are `count` of them or timeoutMs passed.
-QList<Receipt> awaitReceipts(SmtpSink &sink, int skip, int count, int timeoutMs)
+QList<Receipt> awaitReceipts(LocalSmtpServer &sink, int skip, int count, int timeoutMs)
 {
     waitFor([&] { return sink.received() >= skip + count; }, timeoutMs, 10);
     return sink.receipts().mid(skip);

@@ -3,7 +3,7 @@
 // the SMTP sink; beside it a plain smtplib client sending the same messages to the same sink; and the latency from
 // SendAlert to the sink's receipt at the design timer intervals.
 
-#include "SmtpSink.h"
+#include "LocalSmtpServer.h"
 
 #include <QDBusMessage>
 #include <QObject>
@@ -55,5 +55,5 @@ public:
     bool latency(int alerts, int spacingMs, int settleMs, std::vector<qint64> *latenciesNs, QString *error);
 
 private:
-    SmtpSink m_sink;
+    LocalSmtpServer m_sink;
 };

@@ -1,27 +1,13 @@
 #include "EmailFaxServer.h"
 
-#include "AlarmQueue.h"
 #include "Clock.h"
-#include "CommSetup.h"
 #include "DBInit.h"
-#include "Dispatcher.h"
-#include "EmailQueue.h"
 #include "ErrorReport.h"
-#include "TimeScale.h"
-#include "FaxDevice.h"
-#include "FaxEngine.h"
-#include "FaxFinder.h"
-#include "FaxQueue.h"
-#include "FormPort.h"
 #include "Globals.h"
 #include "Log.h"
-#include "PrioritySetup.h"
-#include "PriorityStore.h"
 #include "RecipientString.h"
-#include "Recipients.h"
-#include "SendStatus.h"
-#include "SmtpClient.h"
-#include "TrayState.h"
+#include "SendStates.h"
+#include "TimeScale.h"
 #include "Values.h"
 #include "Version.h"
 
@@ -34,8 +20,24 @@ constexpr int kTrayLeftButtonUp = 514;
 constexpr int kTrayLeftButtonDoubleClick = 515;
 } // namespace
 
-EmailFaxServer::EmailFaxServer(Log &log, QObject *parent) : QObject(parent), m_log(log), m_link(m_lists, m_timers)
+EmailFaxServer::EmailFaxServer(Log &log, FormLists &lists, const Ports &ports, QObject *parent)
+    : QObject(parent), m_log(log), m_ports(ports), m_lists(lists), m_link(m_lists, m_timers), m_smtp(ports.email),
+      m_emailQueue(m_lists, m_timers, m_database, m_smtp, ports.email, ports.recipientsPage, ports.form),
+      m_faxDevice(m_faxEngine, m_faxFinder, m_database, m_lists, ports.faxPage, ports.modemPanel),
+      m_faxQueue(m_faxEngine, m_faxDevice, m_lists, m_timers, m_database, ports.faxPage, ports.modemPanel,
+                 ports.recipientsPage, ports.form),
+      m_tray(ports.form), m_sendStatus(m_lists, m_timers, m_database, m_link, m_smtp, m_tray, ports.status),
+      m_priorities(m_database, ports.alarmSetup, ports.priorityPage),
+      m_alarms(m_database, m_lists, m_timers, ports.queuedAlarms, ports.commSetup),
+      m_dispatcher(m_lists, m_timers, m_priorities, m_alarms, ports.commSetup, m_link,
+                   [this] { m_sendStatus.SendStatUpdate(); }),
+      m_recipients(m_lists, m_database, ports.recipientsPage, ports.contactEditor, ports.form, ports.form),
+      m_prioritySetup(m_priorities, m_alarms, m_lists, m_timers, ports.alarmSetup, ports.priorityPage),
+      m_commSetup(m_database, ports.commSetup)
 {
+    FaxDevice::configureFinder(m_faxFinder);
+    m_sendStatus.setFaxLine(&m_faxQueue);
+    recordSendStates(m_emailQueue, m_faxQueue);
     connect(&m_timers.TimerInit, &QTimer::timeout, this, &EmailFaxServer::TimerInit_Timer);
     connect(&m_link, &AlertLink::unloadRequested, this, [this] { unload(ByCode); });
     m_timers.TimerInit.start(); // enabled at design: it runs from the moment the window exists
@@ -47,41 +49,9 @@ EmailFaxServer::~EmailFaxServer()
         g.gfrmServerForm = nullptr;
 }
 
-void EmailFaxServer::setPort(FormPort *port)
-{
-    m_port = port;
-    const auto sendStatUpdate = [this] { m_sendStatus->SendStatUpdate(); };
-    m_smtp = std::make_unique<SmtpClient>(*port, sendStatUpdate);
-    m_tray = std::make_unique<TrayState>(*port);
-    m_sendStatus = std::make_unique<SendStatus>(m_lists, m_timers, m_database, m_link, *m_smtp, *m_tray, *port);
-    m_emailQueue = std::make_unique<EmailQueue>(m_lists, m_timers, m_database, *m_smtp, *port);
-    m_priorities = std::make_unique<PriorityStore>(m_database, *port);
-    m_alarms = std::make_unique<AlarmQueue>(m_database, m_lists, m_timers, *port);
-    m_dispatcher =
-        std::make_unique<Dispatcher>(m_lists, m_timers, *m_priorities, *m_alarms, *port, m_link, sendStatUpdate);
-    m_recipients = std::make_unique<Recipients>(m_lists, m_database, *port);
-    m_prioritySetup = std::make_unique<PrioritySetup>(*m_priorities, *m_alarms, m_lists, m_timers, *port);
-    m_commSetup = std::make_unique<CommSetup>(m_database, *port);
-    m_faxEngine = std::make_unique<FaxEngine>();
-    m_faxFinder = std::make_unique<FaxFinder>();
-    // Configured device paths (a modem on an unusual port, or a software modem) are searched besides the system's.
-    m_faxFinder->setExtraPaths(qEnvironmentVariable("OSPREL_FAX_DEVICES").split(u':', Qt::SkipEmptyParts));
-    m_faxFinder->setSearchSystemPorts(qEnvironmentVariable("OSPREL_FAX_SYSTEM_PORTS") != QLatin1String("0"));
-    m_faxDevice = std::make_unique<FaxDevice>(*m_faxEngine, *m_faxFinder, m_database, m_lists, *port);
-    m_faxQueue = std::make_unique<FaxQueue>(*m_faxEngine, *m_faxDevice, m_lists, m_timers, m_database, *port);
-    m_sendStatus->setFaxLine(m_faxQueue.get());
-}
-
-FormPort &EmailFaxServer::port()
-{
-    if (!m_port)
-        raise(Err::ObjectNotSet);
-    return *m_port;
-}
-
 void EmailFaxServer::setCategoryCaption(int index, const QString &caption)
 {
-    port().setCategoryCaption(index, caption);
+    m_ports.alarmSetup.setCategoryCaption(index, caption);
 }
 
 void EmailFaxServer::Form_Load()
@@ -91,30 +61,28 @@ void EmailFaxServer::Form_Load()
     guarded(QStringLiteral("Form_Load"), [&] {
         m_lists.InitColHeaders();
         m_database.DBInitADO(g.gstrAppPath);
-        DBInit(m_database, m_lists, port());
-        m_priorities->DBInitAlarmCatSetup();
-        m_priorities->DBInitAlarmPriSetup();
-        m_alarms->InitLables();
+        DBInit(m_database, m_lists, m_ports.commSetup);
+        m_priorities.DBInitAlarmCatSetup();
+        m_priorities.DBInitAlarmPriSetup();
+        m_alarms.InitLables();
         VersionControl();
-        port().appendAppVersion(QStringLiteral(" ") + versionText());
+        m_ports.form.appendAppVersion(QStringLiteral(" ") + versionText());
         CopyEmailToRecipientStr(m_lists);
-        m_faxDevice->InitModemSettings();
-        // Fax messaging on at the last exit: the device is looked for once the server has settled.
-        m_faxQueue->faxNotice = port().chkEnableFax();
-        g.gintEmailSendState = 0;
-        g.gintFaxSendState = 0;
-        port().setWindowImage(kImageNormal);
+        m_faxDevice.InitModemSettings();
+        m_faxQueue.noteEnabledAtLoad();
+        clearSendStates();
+        m_ports.form.setWindowImage(kImageNormal);
         g.gintFlashMode = 0;
-        port().frameSetup();
-        port().TabSet(QStringLiteral("Form_Load"));
+        m_ports.form.frameSetup();
+        m_ports.form.TabSet(QStringLiteral("Form_Load"));
         m_log.clearFunctErr();
-        port().showStartPage();
+        m_ports.form.showStartPage();
         // The start-up record goes straight to the file, which it creates, before the window shows.
         m_log.writeStartRecord(QStringLiteral("\r\nStarting Alarm System: ") + generalDateTime(Clock::now()) +
                                QStringLiteral("\r\n"));
-        port().showWindow();
-        port().trayAdd(QStringLiteral("Your ToolTip"));
-        port().SysTrayUpdate();
+        m_ports.form.showWindow();
+        m_ports.form.trayAdd(QStringLiteral("Your ToolTip"));
+        m_ports.form.SysTrayUpdate();
         g.gfrmServerForm = this;
     });
     m_loading = false;
@@ -123,11 +91,11 @@ void EmailFaxServer::Form_Load()
 void EmailFaxServer::VersionControl()
 {
     guarded(QStringLiteral("VersionControl"), [&] {
-        port().setPlacement(5625, 8100);
-        port().setTestFields(QString(), QStringLiteral("Osprel Test Email"),
-                             QStringLiteral("This is an Osprel test email."), QString(), QString(),
-                             QStringLiteral("This is an Osprel test fax."));
-        port().setServiceControlsVisible(false);
+        m_ports.form.setPlacement(5625, 8100);
+        m_ports.email.setTestEmailFields(QString(), QStringLiteral("Osprel Test Email"),
+                                         QStringLiteral("This is an Osprel test email."));
+        m_ports.faxPage.setTestFaxFields(QString(), QString(), QStringLiteral("This is an Osprel test fax."));
+        m_ports.form.setServiceControlsVisible(false);
     });
 }
 
@@ -136,13 +104,7 @@ void EmailFaxServer::TimerInit_Timer()
     switchOn(m_timers.TimerMsgQue);
     switchOn(m_timers.TimerDBAlarms);
     m_timers.TimerInit.stop();
-    // Fax messaging was on when the server last ended: the modem is searched for once, so that faxes go on being
-    // sent when it is there; without it the fax queue turns fax messaging off with a notice.
-    if (m_faxQueue && m_faxQueue->faxNotice && !m_faxDevice->gblnFaxDeviceFound) {
-        m_faxDevice->FindDevice();
-        if (m_faxDevice->gblnFaxDeviceFound)
-            m_faxQueue->faxNotice = false;
-    }
+    m_faxQueue.searchIfEnabledAtLoad();
 }
 
 bool EmailFaxServer::Form_QueryUnload(int UnloadMode)
@@ -162,11 +124,11 @@ bool EmailFaxServer::Form_QueryUnload(int UnloadMode)
             // Closing by hand only hides the window: the server keeps running in the notification area.
             cancel = true;
             g.gblnServerLinked = true;
-            port().hideWindow();
+            m_ports.form.hideWindow();
             g.gintFlashMode = 0;
-            port().setCaption(kCaption);
-            port().setWindowImage(kImageNormal);
-            port().SysTrayUpdate();
+            m_ports.form.setCaption(kCaption);
+            m_ports.form.setWindowImage(kImageNormal);
+            m_ports.form.SysTrayUpdate();
             break;
         default:
             cancel = true;
@@ -187,12 +149,12 @@ bool EmailFaxServer::Form_Unload()
         }
         m_link.StopQueueTimers();
         m_database.close();
-        if (m_smtp && m_smtp->wsockctlState() == 7)
-            m_smtp->abort();
+        if (m_smtp.wsockctlState() == 7)
+            m_smtp.abort();
         // A fax under way is stopped; the engine is idle again when stop() returns.
-        if (m_faxQueue && m_faxEngine->state() != FaxEngine::Idle)
-            m_faxQueue->endCall();
-        port().trayRemove();
+        if (m_faxEngine.state() != FaxEngine::Idle)
+            m_faxQueue.endCall();
+        m_ports.form.trayRemove();
         m_timers.tmrServer.setInterval(0);
         m_timers.tmrServer.stop();
     });
@@ -207,15 +169,15 @@ void EmailFaxServer::Form_Resize()
 {
     guarded(QStringLiteral("Form_Resize"), [&] {
         g.gintFlashMode = 0;
-        port().setCaption(kCaption);
-        port().setWindowImage(kImageNormal);
-        port().SysTrayUpdate();
+        m_ports.form.setCaption(kCaption);
+        m_ports.form.setWindowImage(kImageNormal);
+        m_ports.form.SysTrayUpdate();
     });
 }
 
 void EmailFaxServer::mPopRestore_Click()
 {
-    guarded(QStringLiteral("mPopRestore_Click"), [&] { port().restoreWindow(); });
+    guarded(QStringLiteral("mPopRestore_Click"), [&] { m_ports.form.restoreWindow(); });
 }
 
 void EmailFaxServer::Form_MouseMove(int x, int y)
@@ -226,10 +188,10 @@ void EmailFaxServer::Form_MouseMove(int x, int y)
         if (x != kTrayLeftButtonUp && x != kTrayLeftButtonDoubleClick)
             return;
         g.gintIconState = 0;
-        port().setCaption(kCaption);
-        port().setWindowImage(kImageNormal);
-        port().SysTrayUpdate();
-        port().restoreWindow();
+        m_ports.form.setCaption(kCaption);
+        m_ports.form.setWindowImage(kImageNormal);
+        m_ports.form.SysTrayUpdate();
+        m_ports.form.restoreWindow();
     });
 }
 

@@ -1,34 +1,34 @@
 #pragma once
-// The main window's logic without its widgets: what it owns for the whole run (lists, timers, the link with the
-// chamber program) and its load, close and unload procedures.
+// The server's logic without its widgets, made in one place in the order the pieces depend on each other: what
+// the main window owns for the whole run (timers, the link with the chamber program, the database), every
+// subsystem, and the window's load, close and unload procedures.
 
+#include "AlarmQueue.h"
 #include "AlertLink.h"
+#include "CommSetup.h"
 #include "Database.h"
+#include "Dispatcher.h"
+#include "EmailQueue.h"
+#include "FaxDevice.h"
+#include "FaxEngine.h"
+#include "FaxFinder.h"
+#include "FaxQueue.h"
 #include "FormLists.h"
 #include "FormTimers.h"
+#include "Ports.h"
+#include "PrioritySetup.h"
+#include "PriorityStore.h"
+#include "Recipients.h"
+#include "SendStatus.h"
 #include "ServerForm.h"
+#include "SmtpClient.h"
+#include "TrayState.h"
 
 #include <QObject>
-#include <memory>
 
 namespace osprel {
 
-class AlarmQueue;
-class CommSetup;
-class Dispatcher;
-class PrioritySetup;
-class Recipients;
-class EmailQueue;
-class FaxDevice;
-class FaxEngine;
-class FaxFinder;
-class FaxQueue;
-class SendStatus;
-class SmtpClient;
-class TrayState;
-class FormPort;
 class Log;
-class PriorityStore;
 
 class EmailFaxServer : public QObject, public ServerForm
 {
@@ -37,29 +37,28 @@ public:
     // Why the window is asked to close.
     enum UnloadMode { CloseBox = 0, ByCode = 1, SystemShutdown = 3 };
 
-    EmailFaxServer(Log &log, QObject *parent = nullptr);
+    // lists are the window's list views' storage; ports are the window's pages.
+    EmailFaxServer(Log &log, FormLists &lists, const Ports &ports, QObject *parent = nullptr);
     ~EmailFaxServer() override;
 
-    // The window; the subsystems that show things on it are made here.
-    void setPort(FormPort *port);
     FormTimers &timers() { return m_timers; }
     AlertLink &link() { return m_link; }
     Log &log() { return m_log; }
     Database &database() { return m_database; }
-    SendStatus &sendStatus() { return *m_sendStatus; }
-    SmtpClient &smtp() { return *m_smtp; }
-    EmailQueue &emailQueue() { return *m_emailQueue; }
-    TrayState &tray() { return *m_tray; }
-    PriorityStore &priorities() { return *m_priorities; }
-    AlarmQueue &alarms() { return *m_alarms; }
-    Dispatcher &dispatcher() { return *m_dispatcher; }
-    Recipients &recipients() { return *m_recipients; }
-    PrioritySetup &prioritySetup() { return *m_prioritySetup; }
-    CommSetup &commSetup() { return *m_commSetup; }
-    FaxEngine &faxEngine() { return *m_faxEngine; }
-    FaxFinder &faxFinder() { return *m_faxFinder; }
-    FaxDevice &faxDevice() { return *m_faxDevice; }
-    FaxQueue &faxQueue() { return *m_faxQueue; }
+    SendStatus &sendStatus() { return m_sendStatus; }
+    SmtpClient &smtp() { return m_smtp; }
+    EmailQueue &emailQueue() { return m_emailQueue; }
+    TrayState &tray() { return m_tray; }
+    PriorityStore &priorities() { return m_priorities; }
+    AlarmQueue &alarms() { return m_alarms; }
+    Dispatcher &dispatcher() { return m_dispatcher; }
+    Recipients &recipients() { return m_recipients; }
+    PrioritySetup &prioritySetup() { return m_prioritySetup; }
+    CommSetup &commSetup() { return m_commSetup; }
+    FaxEngine &faxEngine() { return m_faxEngine; }
+    FaxFinder &faxFinder() { return m_faxFinder; }
+    FaxDevice &faxDevice() { return m_faxDevice; }
+    FaxQueue &faxQueue() { return m_faxQueue; }
     bool isLoading() const { return m_loading; }
 
     // ServerForm
@@ -86,28 +85,26 @@ Q_SIGNALS:
     void finished();
 
 private:
-    FormPort &port();
-
     Log &m_log;
-    FormPort *m_port = nullptr;
-    FormLists m_lists;
+    Ports m_ports;
+    FormLists &m_lists;
     FormTimers m_timers;
     AlertLink m_link;
     Database m_database;
-    std::unique_ptr<SmtpClient> m_smtp;
-    std::unique_ptr<TrayState> m_tray;
-    std::unique_ptr<SendStatus> m_sendStatus;
-    std::unique_ptr<EmailQueue> m_emailQueue;
-    std::unique_ptr<PriorityStore> m_priorities;
-    std::unique_ptr<AlarmQueue> m_alarms;
-    std::unique_ptr<Dispatcher> m_dispatcher;
-    std::unique_ptr<Recipients> m_recipients;
-    std::unique_ptr<PrioritySetup> m_prioritySetup;
-    std::unique_ptr<CommSetup> m_commSetup;
-    std::unique_ptr<FaxEngine> m_faxEngine;
-    std::unique_ptr<FaxFinder> m_faxFinder;
-    std::unique_ptr<FaxDevice> m_faxDevice;
-    std::unique_ptr<FaxQueue> m_faxQueue;
+    SmtpClient m_smtp;
+    EmailQueue m_emailQueue;
+    FaxEngine m_faxEngine;
+    FaxFinder m_faxFinder;
+    FaxDevice m_faxDevice;
+    FaxQueue m_faxQueue;
+    TrayState m_tray;
+    SendStatus m_sendStatus;
+    PriorityStore m_priorities;
+    AlarmQueue m_alarms;
+    Dispatcher m_dispatcher;
+    Recipients m_recipients;
+    PrioritySetup m_prioritySetup;
+    CommSetup m_commSetup;
     bool m_loading = false;
     bool m_unloaded = false;
 };

@@ -4,6 +4,7 @@
 #include "BusServer.h"
 #include "EmailFaxServer.h"
 #include "ErrorReport.h"
+#include "FormWiring.h"
 #include "Globals.h"
 #include "Log.h"
 #include "MainWindow.h"
@@ -51,9 +52,10 @@ int SubMain(QApplication &app)
         g.gstrAppPath = folder;
 
         Log log(folder);
-        EmailFaxServer server(log);
-        MainWindow window(server, log);
-        server.setPort(&window);
+        FormLists lists;
+        MainWindow window(lists, log);
+        EmailFaxServer server(log, lists, window.ports());
+        wireForm(window, server);
         server.Form_Load();
 
         QDBusConnection bus = QDBusConnection::sessionBus();

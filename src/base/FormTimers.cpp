@@ -13,7 +13,6 @@ FormTimers::FormTimers()
     setupTimer(tmrServer, QStringLiteral("tmrServer"), 750, false);
     setupTimer(TimerEmailMsgQue, QStringLiteral("TimerEmailMsgQue"), 1000, false);
     setupTimer(TimerFaxMsgQue, QStringLiteral("TimerFaxMsgQue"), 5000, false);
-    setupTimer(TimerTCPConnect, QStringLiteral("TimerTCPConnect"), 1000, false);
 }
 
 } // namespace osprel

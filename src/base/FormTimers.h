@@ -16,7 +16,7 @@ public:
     QTimer tmrServer;        // 750 ms: ends the program once no chamber program is linked
     QTimer TimerEmailMsgQue; // starts the next e-mail
     QTimer TimerFaxMsgQue;   // 5000 ms: starts the next fax
-    QTimer TimerTCPConnect;  // 1000 ms: shows the socket's state as text
+    // TimerTCPConnect belongs to the SMTP client, which owns the socket it shows.
 };
 
 } // namespace osprel

@@ -1,9 +1,45 @@
 #include "QueueRoutines.h"
 
+#include "Conversions.h"
 #include "ErrorReport.h"
 #include "FormLists.h"
+#include "FormTimers.h"
+#include "Globals.h"
+#include "SendSwitches.h"
+#include "TimeScale.h"
+#include "Values.h"
 
 namespace osprel {
+
+void queueSendJobs(FormLists &lists, FormTimers &timers, const SendSwitches &switches, const SendJob &job)
+{
+    if (switches.chkEnableEmail() && !lists.lvwEmailContacts.isEmpty()) {
+        lists.lvwSendEmailQue.add(QStringList{GetDateTimeStamp(), job.message, job.chamberName, g.gstrEmailRecipients,
+                                              QStringLiteral("0"), job.categoryName, job.histData, job.alertNumber});
+        switchOn(timers.TimerEmailMsgQue);
+    }
+    if (switches.chkEnableFax() && !lists.lvwFaxContacts.isEmpty()) {
+        const ListStore &recipients = lists.lvwFaxContacts;
+        for (int j = 1; j <= recipients.count(); ++j) {
+            lists.lvwSendFaxQue.add(QStringList{GetDateTimeStamp(), job.message, job.chamberName, recipients.text(j, 3),
+                                                QStringLiteral("0"), job.categoryName, job.histData,
+                                                recipients.text(j, 1), recipients.text(j, 2), job.alertNumber});
+            switchOn(timers.TimerFaxMsgQue);
+        }
+    }
+}
+
+void addDeliveryRow(FormLists &lists, int histIndex, const QString &status, const QString &address,
+                    const QString &histData)
+{
+    if (lists.lvwHist[histIndex].count() > 100)
+        LVWClearHistoryHalf(lists, histIndex);
+    const QStringList fields = Split(histData, QStringLiteral("|"));
+    auto field = [&fields](int i) { return Trim(element(fields, i)); };
+    // The row of the message in delivery is always the top one.
+    lists.lvwHist[histIndex].insert(
+        1, QStringList{GetDateTimeStamp(), status, field(1), address, field(2), field(3), field(4), field(0)});
+}
 
 RecipientRec LVWGetFirstFaxQueContact(const FormLists &lists)
 {

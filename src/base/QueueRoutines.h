@@ -1,17 +1,40 @@
 #pragma once
-// Small operations on the send queues and the history lists that the delivery code shares.
+// Small operations on the send queues and the history lists that the dispatch, store and delivery code share: the
+// rows of a new send job, the row of a message in delivery, and the list routines named LVW....
 
 #include <QString>
 
 namespace osprel {
 
 class FormLists;
+class FormTimers;
+class SendSwitches;
 
 struct RecipientRec
 {
     QString LastName, FirstName, EmailName, FaxNumber, Notes;
     qint16 ListType = 0; // 0 all contacts, 1 e-mail list, 2 fax list
 };
+
+// What every send job carries, whoever made it (an alert, or a summary report of held alarms).
+struct SendJob
+{
+    QString message;      // the notification text
+    QString chamberName;  // or the report's title
+    QString categoryName; // "*" for a report
+    QString histData;     // the alert summary line: the history row's fields joined by "|"
+    QString alertNumber;  // "*" for a report
+};
+
+// Puts one job on the e-mail queue for all e-mail recipients together and one job per fax recipient on the fax
+// queue, each only while its messaging is switched on and its recipient list is not empty, and switches the
+// queue's timer on.
+void queueSendJobs(FormLists &lists, FormTimers &timers, const SendSwitches &switches, const SendJob &job);
+
+// The row of a message going out, at the top of history list histIndex (0 e-mail, 1 fax): the time stamp, the
+// status, and the fields of the job's history data; the oldest half goes first when the list holds over 100.
+void addDeliveryRow(FormLists &lists, int histIndex, const QString &status, const QString &address,
+                    const QString &histData);
 
 // The person of the fax at the head of the fax queue: last and first name and the number dialled.
 RecipientRec LVWGetFirstFaxQueContact(const FormLists &lists);

@@ -87,6 +87,15 @@ qint16 CInt(double value)
     return static_cast<qint16>(rounded);
 }
 
+qint16 strictInt(const QString &text)
+{
+    bool ok = false;
+    const double value = Trim(text).toDouble(&ok);
+    if (!ok)
+        raise(Err::TypeMismatch);
+    return CInt(value);
+}
+
 qint32 CLng(double value)
 {
     const double rounded = std::nearbyint(value);

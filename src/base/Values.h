@@ -18,6 +18,9 @@ double Val(const QString &text);
 qint16 CInt(double value);
 // The same for 32 bits.
 qint32 CLng(double value);
+// A stored number read as a number: blanks around it are allowed, anything else raises Type mismatch (13); the
+// value is converted to 16 bits as CInt does.
+qint16 strictInt(const QString &text);
 // Adds to a 16-bit integer, raising Overflow instead of wrapping.
 qint16 addInt(qint16 a, qint16 b);
 

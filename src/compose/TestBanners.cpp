@@ -1,15 +1,15 @@
 #include "TestBanners.h"
 
 #include "Log.h"
+#include "LogBanner.h"
 
 namespace osprel {
 
 namespace {
-const QString kStars = QStringLiteral("***********************************************");
-
 void banner(const QString &title, const QString &message, qint16 list)
 {
-    for (const QString &line : {kStars, title, kStars, message, kStars, QString(), QString()})
+    const QString stars = starLine();
+    for (const QString &line : {stars, title, stars, message, stars, QString(), QString()})
         DumpStr(line, list);
 }
 } // namespace

@@ -5,7 +5,6 @@
 #include "Clock.h"
 #include "Conversions.h"
 #include "ErrorReport.h"
-#include "TimeScale.h"
 #include "FormLists.h"
 #include "FormTimers.h"
 #include "Globals.h"
@@ -13,7 +12,9 @@
 #include "Notification.h"
 #include "PriorityEvaluation.h"
 #include "PriorityStore.h"
+#include "QueueRoutines.h"
 #include "SendSwitches.h"
+#include "TimeScale.h"
 #include "Values.h"
 #include "clsAlertCls.h"
 
@@ -68,21 +69,9 @@ void Dispatcher::dispatchHead()
     const QString summaryLine = summary.line();
     const bool sendNow = level != LevelIgnore && info.Immediate;
 
-    if (sendNow && m_switches.chkEnableEmail() && !m_lists.lvwEmailContacts.isEmpty()) {
-        m_lists.lvwSendEmailQue.add(QStringList{GetDateTimeStamp(), message, summary.chamberName, g.gstrEmailRecipients,
-                                                QStringLiteral("0"), summary.categoryName, summaryLine,
-                                                summary.alertNumber});
-        switchOn(m_timers.TimerEmailMsgQue);
-    }
-    if (sendNow && m_switches.chkEnableFax() && !m_lists.lvwFaxContacts.isEmpty()) {
-        const ListStore &recipients = m_lists.lvwFaxContacts;
-        for (int j = 1; j <= recipients.count(); ++j) {
-            m_lists.lvwSendFaxQue.add(QStringList{
-                GetDateTimeStamp(), message, summary.chamberName, recipients.text(j, 3), QStringLiteral("0"),
-                summary.categoryName, summaryLine, recipients.text(j, 1), recipients.text(j, 2), summary.alertNumber});
-            switchOn(m_timers.TimerFaxMsgQue);
-        }
-    }
+    if (sendNow)
+        queueSendJobs(m_lists, m_timers, m_switches,
+                      {message, summary.chamberName, summary.categoryName, summaryLine, summary.alertNumber});
     incoming.remove(1);
     // Independently of sending, a level with a report interval holds the alarm for its summary. A cleared record
     // has interval 0, so an ignored category's alarm is held too, under level 3.

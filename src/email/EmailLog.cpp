@@ -1,18 +1,14 @@
 #include "EmailLog.h"
 
 #include "Log.h"
-
-#include <string_view>
+#include "LogBanner.h"
 
 namespace osprel {
 
 namespace {
-constexpr char kStars[] = "***********************************************";
 constexpr char kSending[] = "****         Sending New EMail             ****";
 constexpr char kCompleted[] = "****         Completed EMail               ****";
-static_assert(std::string_view(kStars).size() == 47 && std::string_view(kSending).size() == 47 &&
-                  std::string_view(kCompleted).size() == 47,
-              "the banners are 47 characters wide");
+static_assert(isBannerWidth(kSending) && isBannerWidth(kCompleted));
 } // namespace
 
 void emailLog(const QString &text)
@@ -23,18 +19,18 @@ void emailLog(const QString &text)
 void logSendingBanner()
 {
     emailLog(QString());
-    emailLog(QLatin1String(kStars));
+    emailLog(starLine());
     emailLog(QLatin1String(kSending));
-    emailLog(QLatin1String(kStars));
+    emailLog(starLine());
 }
 
 void logCompletedBanner(bool sent)
 {
-    emailLog(QLatin1String(kStars));
+    emailLog(starLine());
     emailLog(QLatin1String(kCompleted));
-    emailLog(QLatin1String(kStars));
+    emailLog(starLine());
     emailLog(sent ? QStringLiteral("*** E-Mail sent successfully.") : QStringLiteral("*** E-Mail send failed."));
-    emailLog(QLatin1String(kStars));
+    emailLog(starLine());
     emailLog(QString());
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 // The e-mail send queue: each tick takes the head job when the e-mail path is idle, hands it to SendEmail and
-// records the attempt at the top of the e-mail history; the outcome is recorded by the send-status refresh.
-// Also the test e-mail and the switch that turns e-mail messaging on and off.
+// records the attempt at the top of the e-mail history; the outcome is recorded by the delivery code. Also the
+// test e-mail and the switch that turns e-mail messaging on and off.
 
 #include <QObject>
 
@@ -11,6 +11,8 @@ class Database;
 class EmailQueuePort;
 class FormLists;
 class FormTimers;
+class Notices;
+class RecipientsPagePort;
 class SmtpClient;
 
 class EmailQueue : public QObject
@@ -18,11 +20,15 @@ class EmailQueue : public QObject
     Q_OBJECT
 public:
     EmailQueue(FormLists &lists, FormTimers &timers, const Database &database, SmtpClient &smtp, EmailQueuePort &port,
-               QObject *parent = nullptr);
+               RecipientsPagePort &recipientsPage, Notices &notices, QObject *parent = nullptr);
 
     void TimerEmailMsgQue_Timer();
     void cmdTestEmail_Click();
     void chkEnableEmail_Click();
+
+Q_SIGNALS:
+    // The head job was handed to the SMTP client (or the system mail program): it is being sent.
+    void sendingStarted();
 
 private:
     FormLists &m_lists;
@@ -30,6 +36,8 @@ private:
     const Database &m_database;
     SmtpClient &m_smtp;
     EmailQueuePort &m_port;
+    RecipientsPagePort &m_recipientsPage;
+    Notices &m_notices;
 };
 
 } // namespace osprel

@@ -1,5 +1,6 @@
 #pragma once
-// What the e-mail queue and the test e-mail need of the window beyond the SMTP client's fields.
+// The Comm Setup page as the e-mail queue and the test e-mail see it: the SMTP client's fields, the switch for
+// e-mail messaging, and the test e-mail's boxes.
 
 #include "EmailPort.h"
 #include "SendSwitches.h"
@@ -15,10 +16,8 @@ public:
     virtual QString txtTestEMailSubject() const = 0;
     virtual QString txtTestEMailMessage() const = 0;
     virtual void setTxtTestEmailProg(const QString &text) = 0;
-    // The e-mail recipient list, usable (window background) or greyed out (scroll-bar colour).
-    virtual void setEmailListEnabled(bool enabled) = 0;
-    // The program's own message box: a title, a text, an OK button.
-    virtual void showMessage(const QString &title, const QString &text) = 0;
+    // The test e-mail's boxes as the page opens with them.
+    virtual void setTestEmailFields(const QString &to, const QString &subject, const QString &message) = 0;
 };
 
 } // namespace osprel

@@ -3,7 +3,6 @@
 #include "EmailLog.h"
 #include "EmailPort.h"
 #include "ErrorReport.h"
-#include "Globals.h"
 #include "MailServerAddress.h"
 #include "SmtpStates.h"
 #include "SocketErrors.h"
@@ -47,9 +46,9 @@ QString toHeaders(const QString &recipients)
 }
 } // namespace
 
-SmtpClient::SmtpClient(EmailPort &port, StatusCallback sendStatUpdate, QObject *parent)
-    : QObject(parent), m_port(port), m_sendStatUpdate(sendStatUpdate), m_systemMail(std::move(sendStatUpdate))
+SmtpClient::SmtpClient(EmailPort &port, QObject *parent) : QObject(parent), m_port(port)
 {
+    connect(&m_systemMail, &SystemMail::finished, this, &SmtpClient::finished);
     m_wsockctl.setObjectName(QStringLiteral("wsockctl"));
     connect(&m_wsockctl, &QTcpSocket::readyRead, this, &SmtpClient::wsockctl_DataArrival);
     // Error events are handled from the event loop, never inside the call that caused them: a connect that fails at
@@ -63,12 +62,6 @@ SmtpClient::SmtpClient(EmailPort &port, StatusCallback sendStatUpdate, QObject *
 }
 
 SmtpClient::~SmtpClient() = default;
-
-void SmtpClient::setSendStatUpdate(StatusCallback sendStatUpdate)
-{
-    m_sendStatUpdate = sendStatUpdate;
-    m_systemMail.setSendStatUpdate(std::move(sendStatUpdate));
-}
 
 qint16 SmtpClient::wsockctlState() const
 {
@@ -185,12 +178,12 @@ void SmtpClient::onReply(qint16 code)
         break;
     case SMTP_SENT_QUIT:
         if (expected) {
-            finishSession(3);
+            finishSession(SendOutcome::sent());
             logCompletedBanner(true);
         } else {
             // The mail was accepted already; a wrong answer to QUIT still counts as a failed send.
             emailLog(stateName(SMTP_SENT_QUIT) + codeIncorrect(code));
-            finishSession(4);
+            finishSession(SendOutcome::failed(stateName(SMTP_SENT_QUIT) + codeIncorrect(code)));
             logCompletedBanner(false);
         }
         break;
@@ -240,17 +233,16 @@ void SmtpClient::SendData(const QString &text, const QString &logText)
 
 void SmtpClient::abortOnCode(qint16 code)
 {
-    emailLog(QStringLiteral("EMail Status: Error: ") + stateName(m_SmtpState) + codeIncorrect(code));
-    finishSession(4);
+    const QString error = stateName(m_SmtpState) + codeIncorrect(code);
+    emailLog(QStringLiteral("EMail Status: Error: ") + error);
+    finishSession(SendOutcome::failed(error));
 }
 
-void SmtpClient::finishSession(qint16 sendState)
+void SmtpClient::finishSession(const SendOutcome &outcome)
 {
     closeSocket();
     m_SmtpState = SmtpIdle;
-    g.gintEmailSendState = sendState;
-    if (m_sendStatUpdate)
-        m_sendStatUpdate();
+    Q_EMIT finished(outcome);
 }
 
 void SmtpClient::wsockctl_Error(quint32 session, QAbstractSocket::SocketError error)
@@ -260,10 +252,11 @@ void SmtpClient::wsockctl_Error(quint32 session, QAbstractSocket::SocketError er
         return;
     guarded(QStringLiteral("wsockctl_Error"), [&] {
         const SocketErrorInfo info = socketErrorInfo(error);
-        emailLog(QStringLiteral("EMail Status: Error: ") + Trim(info.description) + QStringLiteral("(") +
-                 QString::number(info.number) + QStringLiteral(").  Aborting."));
+        const QString reason =
+            Trim(info.description) + QStringLiteral("(") + QString::number(info.number) + QStringLiteral(")");
+        emailLog(QStringLiteral("EMail Status: Error: ") + reason + QStringLiteral(".  Aborting."));
         logCompletedBanner(false);
-        finishSession(4);
+        finishSession(SendOutcome::failed(reason, true));
     });
 }
 

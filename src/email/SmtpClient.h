@@ -2,13 +2,13 @@
 // The server's own SMTP client: one message at a time over the socket wsockctl, each server reply one step of the
 // session, every line sent and received written to the e-mail log.
 
+#include "SendOutcome.h"
 #include "SmtpReplyReader.h"
 #include "SystemMail.h"
 
 #include <QObject>
 #include <QTcpSocket>
 #include <QTimer>
-#include <functional>
 
 namespace osprel {
 
@@ -18,14 +18,8 @@ class SmtpClient : public QObject
 {
     Q_OBJECT
 public:
-    using StatusCallback = std::function<void()>;
-
-    // sendStatUpdate is called once per finished message, after gintEmailSendState was set to 3 or 4; it is shared
-    // with the system-mail path.
-    explicit SmtpClient(EmailPort &port, StatusCallback sendStatUpdate = {}, QObject *parent = nullptr);
+    explicit SmtpClient(EmailPort &port, QObject *parent = nullptr);
     ~SmtpClient() override;
-
-    void setSendStatUpdate(StatusCallback sendStatUpdate);
 
     // Sends one message, over SMTP when optSMTP is selected, else through the system mail program. Recipients are
     // e-mail addresses separated by ";". Does nothing while an SMTP session is under way.
@@ -43,6 +37,8 @@ public:
     SystemMail &systemMail() { return m_systemMail; }
 
 Q_SIGNALS:
+    // Once per message handed to SendEmail, by either path: the message was accepted or has failed.
+    void finished(const osprel::SendOutcome &outcome);
     // Every tick of TimerTCPConnect: the socket's state as text ("Closed", "Connecting", "Connected", ...).
     void socketStateText(const QString &text);
 
@@ -60,10 +56,9 @@ private:
     void abortOnCode(qint16 code);
     // Closes the socket and forgets whatever it had delivered; events of the old connection are ignored from now on.
     void closeSocket();
-    void finishSession(qint16 sendState);
+    void finishSession(const SendOutcome &outcome);
 
     EmailPort &m_port;
-    StatusCallback m_sendStatUpdate;
     QTcpSocket m_wsockctl;
     QTimer m_timerTCPConnect;
     SmtpReplyReader m_reader;

@@ -2,7 +2,6 @@
 
 #include "EmailLog.h"
 #include "ErrorReport.h"
-#include "Globals.h"
 #include "Values.h"
 
 namespace osprel {
@@ -39,8 +38,7 @@ QStringList recipientList(const QString &recipients)
 }
 } // namespace
 
-SystemMail::SystemMail(StatusCallback sendStatUpdate, QObject *parent)
-    : QObject(parent), m_sendStatUpdate(std::move(sendStatUpdate)), m_sendmailPath(defaultSendmailPath())
+SystemMail::SystemMail(QObject *parent) : QObject(parent), m_sendmailPath(defaultSendmailPath())
 {
     m_timeLimit.setObjectName(QStringLiteral("systemMailTimeLimit"));
     m_timeLimit.setSingleShot(true);
@@ -55,11 +53,6 @@ SystemMail::~SystemMail()
         m_process->kill();
         m_process->waitForFinished(1000);
     }
-}
-
-void SystemMail::setSendStatUpdate(StatusCallback sendStatUpdate)
-{
-    m_sendStatUpdate = std::move(sendStatUpdate);
 }
 
 QString SystemMail::defaultSendmailPath()
@@ -164,42 +157,40 @@ void SystemMail::recordOutcome(quint32 run, Outcome outcome, const QString &deta
                     emailLog(kPrefix + QStringLiteral("Rcvd<< ") + QString::fromUtf8(line.trimmed()));
             }
         }
+        QString reason;
         switch (outcome) {
         case Outcome::Accepted:
             emailLog(kPrefix + QStringLiteral("Message accepted by ") + m_sendmailPath + QStringLiteral("."));
             break;
         case Outcome::Refused:
-            emailLog(kPrefix + QStringLiteral("Error: ") + m_sendmailPath + QStringLiteral(" ended with exit code ") +
-                     detail + QStringLiteral(".  Aborting."));
+            reason = m_sendmailPath + QStringLiteral(" ended with exit code ") + detail;
+            emailLog(kPrefix + QStringLiteral("Error: ") + reason + QStringLiteral(".  Aborting."));
             break;
         case Outcome::NoRecipient:
-            emailLog(kPrefix + QStringLiteral("Error: no recipient address.  Aborting."));
+            reason = QStringLiteral("no recipient address");
+            emailLog(kPrefix + QStringLiteral("Error: ") + reason + QStringLiteral(".  Aborting."));
             break;
         case Outcome::Crashed:
-            emailLog(kPrefix + QStringLiteral("Critical Error: ") + m_sendmailPath +
-                     QStringLiteral(" crashed.  Aborting."));
+            reason = m_sendmailPath + QStringLiteral(" crashed");
+            emailLog(kPrefix + QStringLiteral("Critical Error: ") + reason + QStringLiteral(".  Aborting."));
             break;
         case Outcome::NotStarted:
-            emailLog(kPrefix + QStringLiteral("Critical Error: ") + m_sendmailPath +
-                     QStringLiteral(" cannot be started (") + detail + QStringLiteral(").  Aborting."));
+            reason = m_sendmailPath + QStringLiteral(" cannot be started (") + detail + u')';
+            emailLog(kPrefix + QStringLiteral("Critical Error: ") + reason + QStringLiteral(".  Aborting."));
             break;
         case Outcome::TimedOut:
-            emailLog(kPrefix + QStringLiteral("Critical Error: ") + m_sendmailPath +
-                     QStringLiteral(" did not finish within ") + detail + QStringLiteral(" s.  Aborting."));
+            reason = m_sendmailPath + QStringLiteral(" did not finish within ") + detail + QStringLiteral(" s");
+            emailLog(kPrefix + QStringLiteral("Critical Error: ") + reason + QStringLiteral(".  Aborting."));
             break;
         }
         releaseProcess();
         m_busy = false;
         if (outcome == Outcome::Accepted) {
-            g.gintEmailSendState = 3;
-            if (m_sendStatUpdate)
-                m_sendStatUpdate();
+            Q_EMIT finished(SendOutcome::sent());
             logCompletedBanner(true);
         } else {
             logCompletedBanner(false);
-            g.gintEmailSendState = 4;
-            if (m_sendStatUpdate)
-                m_sendStatUpdate();
+            Q_EMIT finished(SendOutcome::failed(reason, outcome == Outcome::TimedOut));
         }
     });
 }

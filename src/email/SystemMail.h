@@ -1,13 +1,14 @@
 #pragma once
 // The system-mail path: hands a message to the local mail submission program (sendmail -t -i) without blocking the
-// event loop, and leaves the outcome in the e-mail send state as the SMTP path does.
+// event loop, and reports its outcome as the SMTP path does.
+
+#include "SendOutcome.h"
 
 #include <QByteArray>
 #include <QObject>
 #include <QProcess>
 #include <QString>
 #include <QTimer>
-#include <functional>
 
 namespace osprel {
 
@@ -15,13 +16,10 @@ class SystemMail : public QObject
 {
     Q_OBJECT
 public:
-    using StatusCallback = std::function<void()>;
     static constexpr int kDefaultTimeLimitMs = 30000;
 
-    explicit SystemMail(StatusCallback sendStatUpdate = {}, QObject *parent = nullptr);
+    explicit SystemMail(QObject *parent = nullptr);
     ~SystemMail() override;
-
-    void setSendStatUpdate(StatusCallback sendStatUpdate);
 
     // $OSPREL_SENDMAIL when set, else /usr/sbin/sendmail.
     static QString defaultSendmailPath();
@@ -36,9 +34,9 @@ public:
     // True from SendMAPIEmail until its outcome is recorded.
     bool isBusy() const { return m_busy; }
 
-    // Starts handing one message to the program. The outcome comes later from the event loop: send state 3 when the
-    // program exits with 0, 4 when it cannot start, fails, crashes or overruns the time limit; sendStatUpdate is
-    // called after either. Recipients are addresses separated by ";".
+    // Starts handing one message to the program. The outcome comes later from the event loop (finished): sent when
+    // the program exits with 0, failed when it cannot start, fails, crashes or overruns the time limit. Recipients
+    // are addresses separated by ";".
     void SendMAPIEmail(const QString &recipients, const QString &subject, const QString &body);
 
     // Stops a submission under way without recording an outcome (the caller gives the message up).
@@ -48,6 +46,9 @@ public:
     // with LF line ends. Text beyond ASCII is declared as UTF-8 (RFC 2045, RFC 2047 for the subject).
     static QByteArray messageText(const QString &recipients, const QString &subject, const QString &body);
 
+Q_SIGNALS:
+    void finished(const osprel::SendOutcome &outcome);
+
 private:
     enum class Outcome { Accepted, Refused, Crashed, NotStarted, TimedOut, NoRecipient };
 
@@ -56,7 +57,6 @@ private:
     void recordOutcome(quint32 run, Outcome outcome, const QString &detail);
     void releaseProcess();
 
-    StatusCallback m_sendStatUpdate;
     QString m_sendmailPath;
     int m_timeLimitMs = kDefaultTimeLimitMs;
     QProcess *m_process = nullptr;

@@ -4,9 +4,10 @@
 #include "ErrorReport.h"
 #include "FaxEngine.h"
 #include "FaxFinder.h"
-#include "FaxPort.h"
+#include "FaxPagePort.h"
 #include "FormLists.h"
 #include "Log.h"
+#include "ModemPanelPort.h"
 
 #include <QSqlQuery>
 #include <QVariant>
@@ -21,19 +22,18 @@ QString supported(const char *name, bool yes)
     return QString::fromLatin1(name) + (yes ? QStringLiteral(" - Supported") : QStringLiteral(" - Unsupported"));
 }
 
-qint64 modemRow(const Database &database)
-{
-    QSqlQuery row = database.run(QStringLiteral("SELECT rowid FROM SetupModem ORDER BY rowid LIMIT 1"));
-    if (!row.next())
-        raise(Err::NoCurrentRecord);
-    return row.value(0).toLongLong();
-}
 } // namespace
 
 FaxDevice::FaxDevice(FaxEngine &engine, FaxFinder &finder, const Database &database, const FormLists &lists,
-                     FaxPort &port)
-    : m_engine(engine), m_finder(finder), m_database(database), m_lists(lists), m_port(port)
+                     FaxPagePort &page, ModemPanelPort &panel)
+    : m_engine(engine), m_finder(finder), m_database(database), m_lists(lists), m_page(page), m_panel(panel)
 {
+}
+
+void FaxDevice::configureFinder(FaxFinder &finder)
+{
+    finder.setExtraPaths(qEnvironmentVariable("OSPREL_FAX_DEVICES").split(u':', Qt::SkipEmptyParts));
+    finder.setSearchSystemPorts(qEnvironmentVariable("OSPREL_FAX_SYSTEM_PORTS") != QLatin1String("0"));
 }
 
 QString FaxDevice::description(const FaxDeviceInfo &device)
@@ -46,11 +46,11 @@ QString FaxDevice::description(const FaxDeviceInfo &device)
 qint16 FaxDevice::FindDevice()
 {
     guarded(QStringLiteral("FindDevice"), [&] {
-        m_port.setTxtFaxDevice(QStringLiteral("Searching for device..."));
+        m_page.setTxtFaxDevice(QStringLiteral("Searching for device..."));
         const int found = m_finder.search();
         if (found <= 0) {
             const QString none = QStringLiteral("No fax devices detected.");
-            m_port.setTxtFaxDevice(none);
+            m_page.setTxtFaxDevice(none);
             DumpStr(none, Log::FaxList);
             gblnFaxDeviceFound = false;
             // A failed search is tried once more; the next failure clears the count.
@@ -67,17 +67,17 @@ qint16 FaxDevice::FindDevice()
             nextDeviceIndex = 0;
         const FaxDeviceInfo device = m_finder.item(nextDeviceIndex);
         deviceDescription = description(device);
-        m_port.setTxtFaxDevice(deviceDescription);
-        if (m_port.selectedModemClassOption() == 0)
+        m_page.setTxtFaxDevice(deviceDescription);
+        if (m_panel.selectedModemClassOption() == 0)
             chooseClass(device);
-        m_port.setModemClassCaption(3, supported("Class 2.0", device.class20));
-        m_port.setModemClassCaption(2, supported("Class 2", device.class2));
-        m_port.setModemClassCaption(1, supported("Class 1", device.class1));
+        m_panel.setModemClassCaption(3, supported("Class 2.0", device.class20));
+        m_panel.setModemClassCaption(2, supported("Class 2", device.class2));
+        m_panel.setModemClassCaption(1, supported("Class 1", device.class1));
         m_engine.setPort(device.port);
         nextDeviceIndex += 1; // the next search takes the next device, wrapping to the first
         gblnFaxDeviceFound = true;
         if (!m_lists.lvwFaxContacts.isEmpty())
-            m_port.setChkEnableFax(true);
+            m_page.setChkEnableFax(true);
     });
     return 0;
 }
@@ -100,50 +100,50 @@ void FaxDevice::loadModemSettings()
         m_database.run(QStringLiteral("SELECT DevInitStr, ClassOptBtn FROM SetupModem ORDER BY rowid LIMIT 1"));
     if (!row.next())
         raise(Err::NoCurrentRecord);
-    m_port.setTxtConStr(textOf(row, "DevInitStr"));
-    m_port.selectModemClassOption(row.value(1).toInt());
+    m_panel.setTxtConStr(textOf(row, "DevInitStr"));
+    m_panel.selectModemClassOption(row.value(1).toInt());
 }
 
 void FaxDevice::InitModemSettings()
 {
     guarded(QStringLiteral("InitModemSettings"), [&] {
         loadModemSettings();
-        m_engine.setInitString(m_port.txtConStr());
-        const int option = m_port.selectedModemClassOption();
+        m_engine.setInitString(m_panel.txtConStr());
+        const int option = m_panel.selectedModemClassOption();
         if (option >= 1 && option <= 3)
             m_engine.setFaxClass(option); // with 0 (automatic) the device search chooses
-        m_port.setModemSetupButtonsEnabled(false);
-        m_port.showAdvModemSetup(false);
+        m_panel.setModemSetupButtonsEnabled(false);
+        m_panel.showAdvModemSetup(false);
     });
 }
 
 void FaxDevice::cmdAdvSetup_Click()
 {
     guarded(QStringLiteral("cmdAdvSetup_Click"), [&] {
-        m_port.showAdvModemSetup(true);
+        m_panel.showAdvModemSetup(true);
         QString current = QString::number(m_engine.faxClass()) + u' ';
         if (current.contains(u'3'))
             current = QStringLiteral(" 2.0");
-        m_port.setLblCurrentClass(current);
+        m_panel.setLblCurrentClass(current);
     });
 }
 
 void FaxDevice::cmdDefaultInitStr_Click()
 {
-    m_port.setTxtConStr(kDefaultInitString);
+    m_panel.setTxtConStr(kDefaultInitString);
     modemSetupChanged();
 }
 
 void FaxDevice::modemSetupChanged()
 {
-    m_port.setModemSetupButtonsEnabled(true);
+    m_panel.setModemSetupButtonsEnabled(true);
 }
 
 void FaxDevice::cmdAcceptModemSetup_Click()
 {
     guarded(QStringLiteral("cmdAcceptModemSetup_Click"), [&] {
-        m_engine.setInitString(m_port.txtConStr());
-        const int option = m_port.selectedModemClassOption();
+        m_engine.setInitString(m_panel.txtConStr());
+        const int option = m_panel.selectedModemClassOption();
         if (option == 0) {
             if (m_finder.count() > 0) // without a device found the class stays as it was
                 chooseClass(m_finder.item(qBound(0, nextDeviceIndex - 1, m_finder.count() - 1)));
@@ -151,9 +151,9 @@ void FaxDevice::cmdAcceptModemSetup_Click()
             m_engine.setFaxClass(option);
         }
         m_database.run(QStringLiteral("UPDATE SetupModem SET DevInitStr = ?, ClassOptBtn = ? WHERE rowid = ?"),
-                       {m_port.txtConStr(), option, modemRow(m_database)});
-        m_port.setModemSetupButtonsEnabled(false);
-        m_port.showAdvModemSetup(false);
+                       {m_panel.txtConStr(), option, m_database.firstRowId(QStringLiteral("SetupModem"))});
+        m_panel.setModemSetupButtonsEnabled(false);
+        m_panel.showAdvModemSetup(false);
     });
 }
 
@@ -161,8 +161,8 @@ void FaxDevice::cmdCancelModemSetup_Click()
 {
     guarded(QStringLiteral("cmdCancelModemSetup_Click"), [&] {
         loadModemSettings();
-        m_port.setModemSetupButtonsEnabled(false);
-        m_port.showAdvModemSetup(false);
+        m_panel.setModemSetupButtonsEnabled(false);
+        m_panel.showAdvModemSetup(false);
     });
 }
 

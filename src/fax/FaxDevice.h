@@ -9,14 +9,16 @@ namespace osprel {
 class Database;
 class FaxEngine;
 class FaxFinder;
-class FaxPort;
+class FaxPagePort;
+class ModemPanelPort;
 class FormLists;
 struct FaxDeviceInfo;
 
 class FaxDevice
 {
 public:
-    FaxDevice(FaxEngine &engine, FaxFinder &finder, const Database &database, const FormLists &lists, FaxPort &port);
+    FaxDevice(FaxEngine &engine, FaxFinder &finder, const Database &database, const FormLists &lists, FaxPagePort &page,
+              ModemPanelPort &panel);
 
     qint16 FindDevice();
     void InitModemSettings();
@@ -34,6 +36,10 @@ public:
     qint16 nextDeviceIndex = 0; // the next search takes this device of the finder's list
     qint16 failedSearches = 0;
 
+    // The search as the environment sets it: paths in OSPREL_FAX_DEVICES (a modem on an unusual port, or a
+    // software modem) are searched besides the system's serial ports, which OSPREL_FAX_SYSTEM_PORTS=0 leaves out.
+    static void configureFinder(FaxFinder &finder);
+
     // "Class 1 2 2.0 Modem on Port /dev/ttyS0."
     static QString description(const FaxDeviceInfo &device);
 
@@ -45,7 +51,8 @@ private:
     FaxFinder &m_finder;
     const Database &m_database;
     const FormLists &m_lists;
-    FaxPort &m_port;
+    FaxPagePort &m_page;
+    ModemPanelPort &m_panel;
 };
 
 } // namespace osprel

@@ -1,27 +1,27 @@
 #include "FaxQueue.h"
 
+#include "CommSetup.h"
 #include "Conversions.h"
 #include "Database.h"
 #include "ErrorReport.h"
 #include "FaxDevice.h"
 #include "FaxEngine.h"
 #include "FaxPage.h"
-#include "FaxPort.h"
+#include "FaxPagePort.h"
 #include "FormLists.h"
 #include "FormTimers.h"
 #include "Globals.h"
 #include "Log.h"
+#include "LogBanner.h"
+#include "ModemPanelPort.h"
+#include "Notices.h"
 #include "QueueRoutines.h"
+#include "RecipientsPagePort.h"
 #include "Values.h"
-
-#include <QSqlQuery>
-#include <QVariant>
 
 namespace osprel {
 
 namespace {
-const QString kStars = QStringLiteral("***********************************************");
-
 void faxLog(const QString &line)
 {
     DumpStr(line, Log::FaxList);
@@ -34,9 +34,10 @@ QString when(const QDateTime &moment)
 } // namespace
 
 FaxQueue::FaxQueue(FaxEngine &engine, FaxDevice &device, FormLists &lists, FormTimers &timers, const Database &database,
-                   FaxPort &port, QObject *parent)
+                   FaxPagePort &page, ModemPanelPort &panel, RecipientsPagePort &recipientsPage, Notices &notices,
+                   QObject *parent)
     : QObject(parent), m_engine(engine), m_device(device), m_lists(lists), m_timers(timers), m_database(database),
-      m_port(port)
+      m_page(page), m_panel(panel), m_recipientsPage(recipientsPage), m_notices(notices)
 {
     connect(&m_timers.TimerFaxMsgQue, &QTimer::timeout, this, &FaxQueue::TimerFaxMsgQue_Timer);
     for (auto signal : {&FaxEngine::Status, &FaxEngine::NegotiatedParms, &FaxEngine::StartTime, &FaxEngine::EndTime})
@@ -51,24 +52,19 @@ void FaxQueue::TimerFaxMsgQue_Timer()
     guarded(QStringLiteral("TimerFaxMsgQue_Timer"), [&] {
         ListStore &queue = m_lists.lvwSendFaxQue;
         // Stricter than SendFax: only an idle device (state 1) takes the next fax from here.
-        if (g.gintFaxSendState == 0 && !queue.isEmpty() && !m_lists.lvwFaxContacts.isEmpty() && m_port.chkEnableFax() &&
+        if (g.gintFaxSendState == 0 && !queue.isEmpty() && !m_lists.lvwFaxContacts.isEmpty() && m_page.chkEnableFax() &&
             m_engine.state() <= FaxEngine::Idle) {
             const RecipientRec recipient = LVWGetFirstFaxQueContact(m_lists);
             WriteToFile(queue.text(1, 2).split(QStringLiteral("\r\n")), recipient);
             CreateFaxImage();
             m_engine.setNumber(QStringLiteral("1") + recipient.FaxNumber); // always with the long-distance 1
             SendFax();
-            if (m_lists.lvwHist[1].count() > 100)
-                LVWClearHistoryHalf(m_lists, 1);
-            const QStringList fields = Split(queue.text(1, 7), QStringLiteral("|"));
-            auto field = [&fields](int i) { return Trim(element(fields, i)); };
-            m_lists.lvwHist[1].insert(1, QStringList{GetDateTimeStamp(), QStringLiteral("Finding Device"), field(1),
-                                                     recipient.FaxNumber, field(2), field(3), field(4), field(0)});
+            addDeliveryRow(m_lists, 1, QStringLiteral("Finding Device"), recipient.FaxNumber, queue.text(1, 7));
         }
         if (faxNotice && !m_device.gblnFaxDeviceFound) {
             faxNotice = false;
-            m_port.setChkEnableFax(false);
-            m_port.showPanelMessage(
+            m_page.setChkEnableFax(false);
+            m_notices.showPanelMessage(
                 QStringLiteral("When you last exited the Vantor32 program you had Fax Messaging enabled.  ") +
                 QStringLiteral("If you would like to have Fax Messaging enabled for this session, you must go to the "
                                "'Comm Setup' tab and press the 'Find Device' button.  "));
@@ -86,11 +82,11 @@ void FaxQueue::SendFax()
         }
         m_engine.setFileToSend(faxImagePath());
         if (m_engine.send())
-            g.gintFaxSendState = 1; // in flight until the engine's completion
+            Q_EMIT sendingStarted(); // in flight until the engine's completion
         faxLog(QString());
-        faxLog(kStars);
+        faxLog(starLine());
         faxLog(QStringLiteral("****         Sending New Fax               ****"));
-        faxLog(kStars);
+        faxLog(starLine());
     });
 }
 
@@ -156,11 +152,11 @@ void FaxQueue::FaxmanJr1_CompletionStatus(const FaxEvent &e)
         if (m_hangingUp)
             return; // the call the refresh gave up: its outcome is recorded already
         const QString result = QString::number(e.errorCode) + u' ' + e.errorText;
-        g.gintFaxSendState = e.errorCode > 0 ? 4 : 3;
+        Q_EMIT finished(e.errorCode > 0 ? SendOutcome::failed(result) : SendOutcome::sent());
         faxLog(GetFaxStatus(e));
-        faxLog(kStars);
+        faxLog(starLine());
         faxLog(QStringLiteral("****           Completed Fax               ****"));
-        faxLog(kStars);
+        faxLog(starLine());
         faxLog(QStringLiteral("*** RemoteID: ") + e.remoteId);
         if (!e.fileName.isEmpty())
             faxLog(QStringLiteral("*** Receive Filename: ") + e.fileName);
@@ -172,14 +168,14 @@ void FaxQueue::FaxmanJr1_CompletionStatus(const FaxEvent &e)
         faxLog(QStringLiteral("*** Pages: ") + QString::number(e.pageCount));
         if (e.errorCode > 0) {
             faxLog(QStringLiteral("*** Error: ") + result);
-            faxLog(kStars);
+            faxLog(starLine());
             faxLog(QStringLiteral("*** Fax send failed"));
         } else {
             faxLog(QStringLiteral("*** No Error: Sent Successfully ") + result);
-            faxLog(kStars);
+            faxLog(starLine());
             faxLog(QStringLiteral("*** Fax sent successfully"));
         }
-        faxLog(kStars);
+        faxLog(starLine());
         faxLog(QString());
     });
 }
@@ -187,7 +183,7 @@ void FaxQueue::FaxmanJr1_CompletionStatus(const FaxEvent &e)
 // The modem dialogue reaches the log only with detail logging on, one line per message.
 void FaxQueue::onMessage(const QString &text, bool endOfMessage)
 {
-    if (!m_port.chkDetailModemLogging())
+    if (!m_panel.chkDetailModemLogging())
         return;
     m_detail += text;
     if (endOfMessage && !m_detail.isEmpty()) {
@@ -199,17 +195,18 @@ void FaxQueue::onMessage(const QString &text, bool endOfMessage)
 void FaxQueue::cmdTestFax_Click()
 {
     guarded(QStringLiteral("cmdTestFax_Click"), [&] {
-        const QString name = m_port.txtTestRcpFName(), number = m_port.txtTestFaxNumber();
+        const QString name = m_page.txtTestRcpFName(), number = m_page.txtTestFaxNumber();
         if (Trim(name).isEmpty() || Trim(number).isEmpty()) {
-            m_port.showMessage(QStringLiteral("Test Fax Warning"),
-                               QStringLiteral("You must enter a valid name & fax number before sending a test fax."));
+            m_notices.showMessage(
+                QStringLiteral("Test Fax Warning"),
+                QStringLiteral("You must enter a valid name & fax number before sending a test fax."));
             return;
         }
-        m_port.setTxtTestFaxProg(QStringLiteral("Initializing..."));
+        m_page.setTxtTestFaxProg(QStringLiteral("Initializing..."));
         RecipientRec recipient;
         recipient.FirstName = Trim(name);
         recipient.FaxNumber = Trim(number);
-        WriteToFile(m_port.txtTestFaxMessage().split(QStringLiteral("\r\n")), recipient);
+        WriteToFile(m_page.txtTestFaxMessage().split(QStringLiteral("\r\n")), recipient);
         CreateFaxImage();
         m_device.FindDevice();
         g.gblnFaxTest = true;
@@ -221,23 +218,32 @@ void FaxQueue::cmdTestFax_Click()
 void FaxQueue::chkEnableFax_Click()
 {
     guarded(QStringLiteral("chkEnableFax_Click"), [&] {
-        bool enabled = m_port.chkEnableFax();
+        bool enabled = m_page.chkEnableFax();
         if (enabled && !m_device.gblnFaxDeviceFound) {
-            m_port.setChkEnableFax(false);
-            m_port.showMessage(QStringLiteral("No Fax Device"),
-                               QStringLiteral("No fax device has been found.  Press 'Find Device' on the 'Comm Setup' "
-                                              "tab to search for the fax modem, then switch fax messaging on."));
+            m_page.setChkEnableFax(false);
+            m_notices.showMessage(QStringLiteral("No Fax Device"),
+                                  QStringLiteral("No fax device has been found.  Press 'Find Device' on the 'Comm "
+                                                 "Setup' tab to search for the fax modem, then switch fax messaging "
+                                                 "on."));
             enabled = false;
         }
-        m_port.setFaxListEnabled(enabled);
-        QSqlQuery row = m_database.run(QStringLiteral("SELECT rowid FROM SetupComm ORDER BY rowid LIMIT 1"));
-        if (!row.next())
-            raise(Err::NoCurrentRecord);
-        const qint64 rowid = row.value(0).toLongLong();
-        row.finish();
-        m_database.run(QStringLiteral("UPDATE SetupComm SET FaxEnabledAtBoot = ? WHERE rowid = ?"),
-                       {enabled ? 1 : 0, rowid});
+        m_recipientsPage.setFaxListEnabled(enabled);
+        saveEnabledAtBoot(m_database, Messaging::Fax, enabled);
     });
+}
+
+void FaxQueue::noteEnabledAtLoad()
+{
+    faxNotice = m_page.chkEnableFax();
+}
+
+void FaxQueue::searchIfEnabledAtLoad()
+{
+    if (!faxNotice || m_device.gblnFaxDeviceFound)
+        return;
+    m_device.FindDevice();
+    if (m_device.gblnFaxDeviceFound)
+        faxNotice = false;
 }
 
 int FaxQueue::faxStatus() const

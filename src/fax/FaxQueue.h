@@ -4,7 +4,8 @@
 // at the end, the fax send state. Also the test fax and the switch that turns fax messaging on and off.
 
 #include "FaxEvent.h"
-#include "StatusPort.h"
+#include "FaxLine.h"
+#include "SendOutcome.h"
 
 #include <QObject>
 
@@ -13,16 +14,20 @@ namespace osprel {
 class Database;
 class FaxDevice;
 class FaxEngine;
-class FaxPort;
+class FaxPagePort;
 class FormLists;
 class FormTimers;
+class ModemPanelPort;
+class Notices;
+class RecipientsPagePort;
 
 class FaxQueue : public QObject, public FaxLine
 {
     Q_OBJECT
 public:
     FaxQueue(FaxEngine &engine, FaxDevice &device, FormLists &lists, FormTimers &timers, const Database &database,
-             FaxPort &port, QObject *parent = nullptr);
+             FaxPagePort &page, ModemPanelPort &panel, RecipientsPagePort &recipientsPage, Notices &notices,
+             QObject *parent = nullptr);
 
     void TimerFaxMsgQue_Timer();
     void SendFax();
@@ -36,9 +41,21 @@ public:
     // to turn it on again, unless a device has been found by then.
     bool faxNotice = false;
 
+    // Start-up: fax messaging as the last run left it (read from the enable box at load) ...
+    void noteEnabledAtLoad();
+    // ... and, once the server has settled, one search for the modem, so that faxes go on being sent when it is
+    // there; without it the next queue tick turns fax messaging off with a notice.
+    void searchIfEnabledAtLoad();
+
     // FaxLine: what the send-status refresh asks of the device.
     int faxStatus() const override;
     void endCall() override;
+
+Q_SIGNALS:
+    // The engine took the head job (or the test fax): a call is under way.
+    void sendingStarted();
+    // The engine's completion: the fax was sent or has failed.
+    void finished(const osprel::SendOutcome &outcome);
 
 private:
     void onProgress(const FaxEvent &event);
@@ -51,7 +68,10 @@ private:
     FormLists &m_lists;
     FormTimers &m_timers;
     const Database &m_database;
-    FaxPort &m_port;
+    FaxPagePort &m_page;
+    ModemPanelPort &m_panel;
+    RecipientsPagePort &m_recipientsPage;
+    Notices &m_notices;
     QString m_detail;         // the modem dialogue gathered for one detail log line
     bool m_hangingUp = false; // the refresh ends a failed call: its own completion is not a new outcome
 };

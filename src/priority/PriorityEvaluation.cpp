@@ -1,7 +1,7 @@
 #include "PriorityEvaluation.h"
 
 #include "ErrorReport.h"
-#include "PriorityStore.h"
+#include "Values.h"
 
 namespace osprel {
 

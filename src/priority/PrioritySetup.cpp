@@ -2,11 +2,10 @@
 
 #include "AlarmQueue.h"
 #include "ErrorReport.h"
-#include "TimeScale.h"
 #include "FormLists.h"
 #include "FormTimers.h"
-#include "PrioritySetupPort.h"
 #include "PriorityStore.h"
+#include "TimeScale.h"
 #include "Values.h"
 
 namespace osprel {
@@ -42,36 +41,37 @@ QString weekdayName(int number)
 }
 
 PrioritySetup::PrioritySetup(PriorityStore &store, AlarmQueue &alarms, FormLists &lists, FormTimers &timers,
-                             PrioritySetupPort &port)
-    : m_store(store), m_alarms(alarms), m_lists(lists), m_timers(timers), m_port(port)
+                             AlarmSetupPort &alarmSetup, PriorityPagePort &priorityPage)
+    : m_store(store), m_alarms(alarms), m_lists(lists), m_timers(timers), m_alarmSetup(alarmSetup),
+      m_priorityPage(priorityPage)
 {
 }
 
 void PrioritySetup::SetAlarmSetupChanged()
 {
-    m_port.setSetupPageChanged(SetupPage::AlarmSetup, true);
+    m_alarmSetup.setAlarmSetupChanged(true);
 }
 
 void PrioritySetup::SetAlarmSetupUnchanged()
 {
-    m_port.setSetupPageChanged(SetupPage::AlarmSetup, false);
+    m_alarmSetup.setAlarmSetupChanged(false);
 }
 
 void PrioritySetup::SetPrioritySetupChanged()
 {
-    m_port.setSetupPageChanged(SetupPage::Priority, true);
+    m_priorityPage.setPrioritySetupChanged(true);
 }
 
 void PrioritySetup::SetPrioritySetupUnchanged()
 {
-    m_port.setSetupPageChanged(SetupPage::Priority, false);
+    m_priorityPage.setPrioritySetupChanged(false);
 }
 
 void PrioritySetup::cmdAcceptAlarmSetup_Click()
 {
     guarded(QStringLiteral("cmdAcceptAlarmSetup_Click"), [&] {
         for (int i = 0; i < 8; ++i) {
-            const int option = m_port.categoryOption(i);
+            const int option = m_alarmSetup.categoryOption(i);
             // A row with no button selected is saved as Ignore.
             m_store.categoryLevel(i) = QString::number(option >= 0 && option <= 2 ? option : 3);
         }
@@ -116,7 +116,7 @@ void PrioritySetup::cmdAcceptPriority_Click()
 {
     guarded(QStringLiteral("cmdAcceptPriority_Click"), [&] {
         for (int level = 0; level < 3; ++level) {
-            m_store.level(level) = recordOf(m_port.levelFrame(level));
+            m_store.level(level) = recordOf(m_priorityPage.levelFrame(level));
             m_store.DBAddPriority(m_store.level(level), QString::fromLatin1(kLevelKeys[level]));
         }
         SetPrioritySetupUnchanged();

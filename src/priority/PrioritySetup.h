@@ -2,8 +2,9 @@
 // The alarm setup and priority pages' procedures: accept writes the page into the settings and the database,
 // cancel reloads both from the database, and the clear buttons throw away a category's held alarms.
 
+#include "AlarmSetupPort.h"
 #include "LevelRecord.h"
-#include "PrioritySetupPort.h"
+#include "PriorityPagePort.h"
 
 #include <QString>
 
@@ -18,7 +19,7 @@ class PrioritySetup
 {
 public:
     PrioritySetup(PriorityStore &store, AlarmQueue &alarms, FormLists &lists, FormTimers &timers,
-                  PrioritySetupPort &port);
+                  AlarmSetupPort &alarmSetup, PriorityPagePort &priorityPage);
 
     void SetAlarmSetupChanged();
     void SetAlarmSetupUnchanged();
@@ -42,7 +43,8 @@ private:
     AlarmQueue &m_alarms;
     FormLists &m_lists;
     FormTimers &m_timers;
-    PrioritySetupPort &m_port;
+    AlarmSetupPort &m_alarmSetup;
+    PriorityPagePort &m_priorityPage;
 };
 
 // Weekday names: "Sunday" 0 .. "Saturday" 6, and for the reset day "Daily" 7; unknown names are 0.

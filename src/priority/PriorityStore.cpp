@@ -1,9 +1,10 @@
 #include "PriorityStore.h"
 
+#include "AlarmSetupPort.h"
 #include "Conversions.h"
 #include "Database.h"
 #include "ErrorReport.h"
-#include "PriorityPort.h"
+#include "PriorityPagePort.h"
 #include "Values.h"
 
 #include <QSqlQuery>
@@ -26,33 +27,10 @@ qint16 int16Of(const QSqlQuery &row, const char *column)
 }
 } // namespace
 
-LevelRecord LevelRecord::cleared()
+PriorityStore::PriorityStore(const Database &database, AlarmSetupPort &alarmSetup, PriorityPagePort &priorityPage)
+    : m_database(database), m_alarmSetup(alarmSetup), m_priorityPage(priorityPage)
 {
-    LevelRecord record;
-    record.OnceEvery = 0;
-    record.OnceEveryDayHour = 0;
-    record.ResetHour = 0;
-    return record;
 }
-
-bool LevelRecord::operator==(const LevelRecord &o) const
-{
-    return Immediate == o.Immediate && OnceEvery == o.OnceEvery && OnceEveryHourMin == o.OnceEveryHourMin &&
-           OnceEveryDayHour == o.OnceEveryDayHour && OnceEveryWeekDay == o.OnceEveryWeekDay &&
-           SendFirstEnabled == o.SendFirstEnabled && SendAfterEnabled == o.SendAfterEnabled &&
-           SendFirst == o.SendFirst && SendAfter == o.SendAfter && ResetHour == o.ResetHour && ResetDay == o.ResetDay;
-}
-
-qint16 strictInt(const QString &text)
-{
-    bool ok = false;
-    const double value = Trim(text).toDouble(&ok);
-    if (!ok)
-        raise(Err::TypeMismatch);
-    return CInt(value);
-}
-
-PriorityStore::PriorityStore(const Database &database, PriorityPort &port) : m_database(database), m_port(port) {}
 
 void PriorityStore::DBInitAlarmCatSetup()
 {
@@ -61,7 +39,7 @@ void PriorityStore::DBInitAlarmCatSetup()
         // A short table leaves the later categories as they are; a level that is no number ends the load there.
         for (int i = 0; i < kCategoryCount && rows.next(); ++i) {
             m_categoryLevels[i] = textOf(rows, "PLevelID");
-            m_port.selectCategoryLevel(i, strictInt(m_categoryLevels[i]));
+            m_alarmSetup.selectCategoryLevel(i, strictInt(m_categoryLevels[i]));
         }
     });
 }
@@ -87,7 +65,7 @@ void PriorityStore::DBInitAlarmPriSetup()
             r.ResetDay = int16Of(rows, "ResetDay");
         }
         rows.finish();
-        m_port.showLevelDefinitions(m_levels);
+        m_priorityPage.showLevelDefinitions(m_levels);
     });
 }
 

@@ -9,12 +9,13 @@
 namespace osprel {
 
 class Database;
-class PriorityPort;
+class AlarmSetupPort;
+class PriorityPagePort;
 
 class PriorityStore
 {
 public:
-    PriorityStore(const Database &database, PriorityPort &port);
+    PriorityStore(const Database &database, AlarmSetupPort &alarmSetup, PriorityPagePort &priorityPage);
 
     void DBInitAlarmCatSetup();
     void DBInitAlarmPriSetup();
@@ -31,12 +32,10 @@ public:
 
 private:
     const Database &m_database;
-    PriorityPort &m_port;
+    AlarmSetupPort &m_alarmSetup;
+    PriorityPagePort &m_priorityPage;
     QString m_categoryLevels[8];
     LevelRecord m_levels[3];
 };
-
-// A stored number read as a number: blanks around it are allowed, anything else is a type mismatch (13).
-qint16 strictInt(const QString &text);
 
 } // namespace osprel

@@ -4,12 +4,13 @@
 #include "Conversions.h"
 #include "Database.h"
 #include "ErrorReport.h"
-#include "TimeScale.h"
 #include "FormLists.h"
 #include "FormTimers.h"
 #include "Globals.h"
 #include "Log.h"
-#include "StorePort.h"
+#include "QueueRoutines.h"
+#include "QueuedAlarmsPort.h"
+#include "TimeScale.h"
 #include "Values.h"
 
 #include <QSqlQuery>
@@ -21,8 +22,9 @@ namespace {
 const QString kSeparator = QStringLiteral("\r\n-----------------------------\r\n\r\n");
 } // namespace
 
-AlarmQueue::AlarmQueue(const Database &database, FormLists &lists, FormTimers &timers, StorePort &port)
-    : m_database(database), m_lists(lists), m_timers(timers), m_port(port)
+AlarmQueue::AlarmQueue(const Database &database, FormLists &lists, FormTimers &timers, QueuedAlarmsPort &counters,
+                       const SendSwitches &switches)
+    : m_database(database), m_lists(lists), m_timers(timers), m_counters(counters), m_switches(switches)
 {
 }
 
@@ -100,7 +102,8 @@ void AlarmQueue::DBGetAlmMsg(qint16 Level, qint16 Mode)
         const QString alertLine = QStringLiteral("*|") + title + QStringLiteral("|*|*|*|*");
         const QString header = QStringLiteral("# Vantor 32 ") + title + QStringLiteral(" #\r\n# ") + levelLine +
                                QStringLiteral(" #\r\n\r\n");
-        queueReport(header + body, title, alertLine);
+        queueSendJobs(m_lists, m_timers, m_switches,
+                      {header + body, title, QStringLiteral("*"), alertLine, QStringLiteral("*")});
 
         for (qint16 i = 0; i < kCategoryCount; ++i) {
             if (reported[i])
@@ -109,51 +112,32 @@ void AlarmQueue::DBGetAlmMsg(qint16 Level, qint16 Mode)
     });
 }
 
-void AlarmQueue::queueReport(const QString &report, const QString &title, const QString &alertLine)
-{
-    if (m_port.chkEnableEmail() && !m_lists.lvwEmailContacts.isEmpty()) {
-        m_lists.lvwSendEmailQue.add(QStringList{GetDateTimeStamp(), report, title, g.gstrEmailRecipients,
-                                                QStringLiteral("0"), QStringLiteral("*"), alertLine,
-                                                QStringLiteral("*")});
-        switchOn(m_timers.TimerEmailMsgQue);
-    }
-    if (m_port.chkEnableFax() && !m_lists.lvwFaxContacts.isEmpty()) {
-        const ListStore &recipients = m_lists.lvwFaxContacts;
-        for (int j = 1; j <= recipients.count(); ++j) {
-            m_lists.lvwSendFaxQue.add(QStringList{GetDateTimeStamp(), report, title, recipients.text(j, 3),
-                                                  QStringLiteral("0"), QStringLiteral("*"), alertLine,
-                                                  recipients.text(j, 1), recipients.text(j, 2), QStringLiteral("*")});
-        }
-        switchOn(m_timers.TimerFaxMsgQue);
-    }
-}
-
 void AlarmQueue::QueTrackClear(qint16 CatIndex)
 {
     guarded(QStringLiteral("QueTrackClear"), [&] {
         m_database.run(QStringLiteral("UPDATE AlarmMsgs SET OverWrite = TRUE WHERE OverWrite = FALSE And Catagory = ?"),
                        {kCategoryCodeBase + CatIndex});
-        m_port.setLblQueuedAlarms(CatIndex, QStringLiteral("0"));
+        m_counters.setLblQueuedAlarms(CatIndex, QStringLiteral("0"));
     });
 }
 
 void AlarmQueue::QueTrackInc(qint16 CatIndex)
 {
-    const qint16 count = addInt(CInt(Val(m_port.lblQueuedAlarms(CatIndex))), 1);
-    m_port.setLblQueuedAlarms(CatIndex, QString::number(count));
+    const qint16 count = addInt(CInt(Val(m_counters.lblQueuedAlarms(CatIndex))), 1);
+    m_counters.setLblQueuedAlarms(CatIndex, QString::number(count));
 }
 
 void AlarmQueue::InitLables()
 {
     guarded(QStringLiteral("InitLables"), [&] {
         for (int i = 0; i < kCategoryCount; ++i)
-            m_port.setLblQueuedAlarms(i, QStringLiteral("0"));
+            m_counters.setLblQueuedAlarms(i, QStringLiteral("0"));
         for (int i = 0; i < kCategoryCount; ++i) {
             QSqlQuery pending = m_database.run(
                 QStringLiteral("SELECT count(*) FROM AlarmMsgs WHERE OverWrite = FALSE AND Catagory = ?"),
                 {kCategoryCodeBase + i});
             const int count = pending.next() ? pending.value(0).toInt() : 0;
-            m_port.setLblQueuedAlarms(i, QString::number(count));
+            m_counters.setLblQueuedAlarms(i, QString::number(count));
         }
     });
 }

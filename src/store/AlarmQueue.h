@@ -10,12 +10,14 @@ namespace osprel {
 class Database;
 class FormLists;
 class FormTimers;
-class StorePort;
+class QueuedAlarmsPort;
+class SendSwitches;
 
 class AlarmQueue
 {
 public:
-    AlarmQueue(const Database &database, FormLists &lists, FormTimers &timers, StorePort &port);
+    AlarmQueue(const Database &database, FormLists &lists, FormTimers &timers, QueuedAlarmsPort &counters,
+               const SendSwitches &switches);
 
     void DBAddAlmMsg(const QString &ErrID, const QString &AlarmString, qint16 Catagory, qint16 Priority,
                      const QString &HistData);
@@ -28,12 +30,12 @@ public:
 private:
     bool storeInFreeSlot(const QString &ErrID, const QString &AlarmString, qint16 Catagory, qint16 Priority,
                          const QString &HistData);
-    void queueReport(const QString &report, const QString &title, const QString &alertLine);
 
     const Database &m_database;
     FormLists &m_lists;
     FormTimers &m_timers;
-    StorePort &m_port;
+    QueuedAlarmsPort &m_counters;
+    const SendSwitches &m_switches;
 };
 
 } // namespace osprel

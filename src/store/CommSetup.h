@@ -1,20 +1,14 @@
 #pragma once
-// The communication setup page's Accept and Cancel: the mail server, the sender and the fax station, kept in the
-// one SetupComm row.
+// The communication settings kept in the one SetupComm row: the Comm Setup page's Accept and Cancel, and the
+// switches that say whether e-mail and fax messaging are on at the next start.
 
-#include "StorePort.h"
+#include "CommSetupPort.h"
+
+#include <QSqlQuery>
 
 namespace osprel {
 
 class Database;
-
-// The four boxes as they stand, and the page's changed mark.
-class CommSetupPort : public StorePort
-{
-public:
-    virtual CommSettings commSettings() const = 0;
-    virtual void setCommSetupChanged(bool changed) = 0;
-};
 
 class CommSetup
 {
@@ -30,5 +24,13 @@ private:
     const Database &m_database;
     CommSetupPort &m_port;
 };
+
+// The SetupComm row, positioned on it, with its columns by name; raises No current record when there is none.
+QSqlQuery commSettingsRow(const Database &database);
+
+enum class Messaging { Email, Fax };
+// Stores whether e-mail or fax messaging is on at the next start (EmailEnabledAtBoot, FaxEnabledAtBoot); raises
+// on failure.
+void saveEnabledAtBoot(const Database &database, Messaging messaging, bool enabled);
 
 } // namespace osprel

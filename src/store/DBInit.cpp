@@ -1,9 +1,10 @@
 #include "DBInit.h"
 
+#include "CommSetup.h"
 #include "Database.h"
 #include "ErrorReport.h"
 #include "FormLists.h"
-#include "StorePort.h"
+#include "Schema.h"
 #include "Values.h"
 
 #include <QSqlQuery>
@@ -52,20 +53,19 @@ void loadHistory(const Database &database, const QString &table, ListStore &list
                          table + QStringLiteral(" ORDER BY rowid LIMIT ?)"),
                      {rows - kHistoryKeep});
     }
-    QSqlQuery history = database.run(QStringLiteral("SELECT * FROM ") + table + QStringLiteral(" ORDER BY rowid"));
+    QSqlQuery history = database.run(QStringLiteral("SELECT ") + historyColumns().join(QStringLiteral(", ")) +
+                                     QStringLiteral(" FROM ") + table + QStringLiteral(" ORDER BY rowid"));
     while (history.next()) {
         QStringList columns;
-        for (int c = 0; c < 8; ++c)
-            columns.append(history.value(c).toString()); // a null column is an empty sub-item
+        for (const QString &column : historyColumns())
+            columns.append(history.value(column).toString()); // a null column is an empty sub-item
         list.add(columns);
     }
 }
 
-void loadCommSettings(const Database &database, StorePort &port)
+void loadCommSettings(const Database &database, CommSetupPort &port)
 {
-    QSqlQuery settings = database.run(QStringLiteral("SELECT * FROM SetupComm ORDER BY rowid LIMIT 1"));
-    if (!settings.next())
-        raise(Err::NoCurrentRecord);
+    QSqlQuery settings = commSettingsRow(database);
     port.setCommSettings({textOf(settings, "EmailServer"), textOf(settings, "EmailReturnAddress"),
                           textOf(settings, "EmailReturnName"), textOf(settings, "FaxStation")});
     port.setChkEnableEmail(Val(textOrEmpty(settings, "EmailEnabledAtBoot")) == 1);
@@ -73,7 +73,7 @@ void loadCommSettings(const Database &database, StorePort &port)
 }
 } // namespace
 
-void DBInit(const Database &database, FormLists &lists, StorePort &port)
+void DBInit(const Database &database, FormLists &lists, CommSetupPort &port)
 {
     guarded(QStringLiteral("DBInit"), [&] {
         loadContacts(database, lists);

@@ -4,10 +4,10 @@
 
 namespace osprel {
 
+class CommSetupPort;
 class Database;
 class FormLists;
-class StorePort;
 
-void DBInit(const Database &database, FormLists &lists, StorePort &port);
+void DBInit(const Database &database, FormLists &lists, CommSetupPort &port);
 
 } // namespace osprel

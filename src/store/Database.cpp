@@ -34,7 +34,8 @@ bool Database::DBInitADO(const QString &folder)
             raise(Err::ProviderError, QStringLiteral("Provider cannot be found. It may not be properly installed."));
         database.setDatabaseName(m_path);
         // A file whose owner may not write it is read-only, for every user: it is opened for reading only.
-        if (existed && !(QFileInfo(m_path).permissions() & QFileDevice::WriteOwner))
+        const bool readOnly = existed && !(QFileInfo(m_path).permissions() & QFileDevice::WriteOwner);
+        if (readOnly)
             database.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
         if (!database.open())
             raise(Err::ProviderError,
@@ -83,6 +84,14 @@ QSqlQuery Database::run(const QString &sql, const QVariantList &values) const
     query.setForwardOnly(true);
     execBound(query, sql, values);
     return query;
+}
+
+qint64 Database::firstRowId(const QString &table) const
+{
+    QSqlQuery row = run(QStringLiteral("SELECT rowid FROM ") + table + QStringLiteral(" ORDER BY rowid LIMIT 1"));
+    if (!row.next())
+        raise(Err::NoCurrentRecord);
+    return row.value(0).toLongLong();
 }
 
 void execBound(QSqlQuery &query, const QString &sql, const QVariantList &values)

@@ -31,6 +31,10 @@ public:
     // statement fails. Values are always bound, never pasted into the text.
     QSqlQuery run(const QString &sql, const QVariantList &values = {}) const;
 
+    // The rowid of the first row of a one-row settings table (SetupComm, SetupModem); raises No current record when
+    // the table is empty.
+    qint64 firstRowId(const QString &table) const;
+
 private:
     QString m_connectionName;
     QString m_path;

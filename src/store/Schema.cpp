@@ -48,6 +48,15 @@ struct LevelDefault
 const LevelDefault kLevels[3] = {{1, -1, 0, 1, 0}, {1, 1, 0, 1, 0}, {0, 2, 0, 8, 0}};
 } // namespace
 
+const QStringList &historyColumns()
+{
+    static const QStringList columns{QStringLiteral("Time"),          QStringLiteral("Status"),
+                                     QStringLiteral("ChamberName"),   QStringLiteral("Address"),
+                                     QStringLiteral("AlarmMsg"),      QStringLiteral("AlarmCatagory"),
+                                     QStringLiteral("AlarmOccurred"), QStringLiteral("AlarmID")};
+    return columns;
+}
+
 void createSchema(QSqlDatabase &database, int poolSize)
 {
     if (!database.transaction())

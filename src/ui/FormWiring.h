@@ -1,5 +1,5 @@
 #pragma once
-// Connects the controls of the window's pages to the server's procedures, in one visible place.
+// Connects the window's own events and the controls of its pages to the server's procedures, in one visible place.
 
 namespace osprel {
 

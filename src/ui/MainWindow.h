@@ -1,16 +1,17 @@
 #pragma once
-// frmFaxEmail: the main window. It composes the pages, the queue panel and the overlay panels, shows the lists
-// the server works on, and hands every window event to the server's procedures; it decides nothing itself.
+// frmFaxEmail: the main window. It composes the pages, the queue panel and the overlay panels, switches pages
+// (TabSet), carries the notification-area icon, and hands its own events (close, resize, tray clicks) on as
+// signals; each page implements the port of the logic it shows, so the window forwards nothing.
 
 #include "FormPort.h"
+#include "OverlayHost.h"
+#include "Ports.h"
 
 #include <QWidget>
 
+class QCloseEvent;
 class QFrame;
-class QLabel;
-class QSystemTrayIcon;
 class QTabBar;
-class QMenu;
 
 namespace osprel {
 
@@ -18,94 +19,51 @@ class AdvModemPanel;
 class AlarmSetupPage;
 class CommSetupPage;
 class ContactEditor;
-class EmailFaxServer;
+class FormLists;
 class HistoryPage;
+class ListView;
 class Log;
 class PriorityPage;
 class QueuePanel;
 class RecipientsPage;
+class StatusLine;
 class StatusPanel;
+class TrayIcon;
 
-class MainWindow : public QWidget, public FormPort
+class MainWindow : public QWidget, public FormPort, public OverlayHost
 {
     Q_OBJECT
 public:
-    MainWindow(EmailFaxServer &server, Log &log, QWidget *parent = nullptr);
+    MainWindow(FormLists &lists, Log &log, QWidget *parent = nullptr);
     ~MainWindow() override;
+
+    // The window's pages as the ports the server is made with.
+    Ports ports();
 
     // FormPort
     void setPlacement(int heightTwips, int widthTwips) override;
-    void setTestFields(const QString &emailTo, const QString &emailSubject, const QString &emailMessage,
-                       const QString &faxName, const QString &faxNumber, const QString &faxMessage) override;
     void setServiceControlsVisible(bool visible) override;
     void appendAppVersion(const QString &text) override;
     void frameSetup() override;
     void TabSet(const QString &control) override;
+    QString currentTabCaption() const override;
     void showStartPage() override;
     void setWindowImage(int image) override;
-    void setCaption(const QString &caption) override;
-    void showWindow() override;
-    void hideWindow() override;
+    void setCaption(const QString &caption) override { setWindowTitle(caption); }
+    void SysTrayUpdate() override;
+    void showWindow() override { show(); }
+    void hideWindow() override { hide(); }
     void restoreWindow() override;
     void trayAdd(const QString &tip) override;
     void trayRemove() override;
-    void SysTrayUpdate() override;
-    void setCategoryCaption(int index, const QString &caption) override;
-    // StorePort
-    bool chkEnableEmail() const override;
-    bool chkEnableFax() const override;
-    void setCommSettings(const CommSettings &settings) override;
-    void setChkEnableEmail(bool checked) override;
-    void setChkEnableFax(bool checked) override;
-    QString lblQueuedAlarms(int index) const override;
-    void setLblQueuedAlarms(int index, const QString &caption) override;
-    // EmailQueuePort and StatusPort
-    QString txtFrom() const override;
-    QString txtMailServer() const override;
-    bool optSMTP() const override;
-    QString txtTestEMailTo() const override;
-    QString txtTestEMailSubject() const override;
-    QString txtTestEMailMessage() const override;
-    void setTxtTestEmailProg(const QString &text) override;
-    void setTxtTestFaxProg(const QString &text) override;
-    void setEmailListEnabled(bool enabled) override;
     void showMessage(const QString &title, const QString &text) override;
-    // PriorityPort and PrioritySetupPort
-    void selectCategoryLevel(int index, int level) override;
-    void showLevelDefinitions(const LevelRecord (&levels)[3]) override;
-    int categoryOption(int index) const override;
-    LevelFrameValues levelFrame(int level) const override;
-    void setSetupPageChanged(SetupPage page, bool changed) override;
-    // CommSetupPort
-    CommSettings commSettings() const override;
-    void setCommSetupChanged(bool changed) override;
-    // RecipientsPort
-    void showContactEditor() override;
-    void hideContactEditor() override;
-    ContactFields contactFields() const override;
-    void setContactFields(const ContactFields &fields) override;
-    void setLblContactErr(const QString &text) override;
-    void selectMainContactRow(int row) override;
-    QString currentTabCaption() const override;
-
-    // FaxPort
-    void setTxtFaxDevice(const QString &text) override;
-    void showAdvModemSetup(bool open) override;
-    QString txtConStr() const override;
-    void setTxtConStr(const QString &text) override;
-    int selectedModemClassOption() const override;
-    void selectModemClassOption(int option) override;
-    void setModemClassCaption(int option, const QString &caption) override;
-    void setLblCurrentClass(const QString &text) override;
-    void setModemSetupButtonsEnabled(bool enabled) override;
-    bool chkDetailModemLogging() const override;
-    void setFaxListEnabled(bool enabled) override;
-    QString txtTestRcpFName() const override;
-    QString txtTestFaxNumber() const override;
-    QString txtTestFaxMessage() const override;
     void showPanelMessage(const QString &text) override;
+    // OverlayHost
+    void openOverlay(QWidget *panel, const QString &caption) override;
+    void closeOverlay(QWidget *panel) override;
 
     // The pages, for the wiring of their controls to the server's procedures.
+    HistoryPage *historyPage(int index) const { return m_history[index]; }
     RecipientsPage *recipientsPage() const { return m_recipients; }
     CommSetupPage *commSetupPage() const { return m_commSetup; }
     AlarmSetupPage *alarmSetupPage() const { return m_alarmSetup; }
@@ -114,7 +72,15 @@ public:
     ContactEditor *contactEditor() const { return m_picContacts; }
     AdvModemPanel *advModemPanel() const { return m_picAdvModemSetup; }
 
-    QSystemTrayIcon *tray() const { return m_tray; }
+Q_SIGNALS:
+    // The close box was used; a handler that cancels the close ignores the event.
+    void closeRequested(QCloseEvent *event);
+    // The window was resized, minimised or restored.
+    void resized();
+    // The tray icon's mouse message (514 left button up, 515 double-click), as the tray reports it.
+    void trayMessage(int message);
+    void restoreRequested(); // mPopRestore
+    void exitRequested();    // mPopExit
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -122,13 +88,9 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
+    void buildPages(FormLists &lists, Log &log);
     QFrame *overlay(const char *name);
-    void openOverlay(QWidget *panel, const QString &caption);
-    void setListEnabled(const char *name, bool enabled);
-    void closeOverlay(QWidget *panel);
-    void buildTrayMenu();
 
-    EmailFaxServer &m_server;
     Log &m_log;
     QTabBar *m_SSTab1 = nullptr;
     QWidget *m_pageArea = nullptr;
@@ -143,9 +105,8 @@ private:
     ContactEditor *m_picContacts = nullptr;
     AdvModemPanel *m_picAdvModemSetup = nullptr;
     QFrame *m_picControls = nullptr;
-    QLabel *m_lblAppVersion = nullptr, *m_lblDumpStrFunctErr = nullptr, *m_lblMessagePanel = nullptr;
-    QSystemTrayIcon *m_tray = nullptr;
-    QMenu *m_mPopupSys = nullptr;
+    StatusLine *m_statusLine = nullptr;
+    TrayIcon *m_trayIcon = nullptr;
 };
 
 } // namespace osprel

@@ -6,10 +6,10 @@
 #include "Clock.h"
 #include "Database.h"
 #include "Dispatcher.h"
-#include "FakePorts.h"
 #include "FormLists.h"
 #include "FormTimers.h"
 #include "Globals.h"
+#include "HeadlessWindow.h"
 #include "Log.h"
 #include "PriorityStore.h"
 #include "StoreFixture.h"
@@ -37,16 +37,16 @@ private Q_SLOTS:
     void init()
     {
         m_f = std::make_unique<StoreFixture>();
-        m_port = FakeStorePort();
+        m_port = HeadlessWindow();
         m_f->lists.lvwEmailContacts.add(QStringList{"Doe", "Jo", "jo@lab"});
         for (const char *name : {"Ann", "Bob", "Cy"})
             m_f->lists.lvwFaxContacts.add(QStringList{QString::fromLatin1(name), "F", QStringLiteral("555") + name});
         g.gstrEmailRecipients = QStringLiteral("jo@lab; ");
         m_link = std::make_unique<AlertLink>(m_f->lists, m_f->timers);
-        m_store = std::make_unique<PriorityStore>(m_f->db, m_port);
+        m_store = std::make_unique<PriorityStore>(m_f->db, m_port, m_port);
         m_store->DBInitAlarmCatSetup();
         m_store->DBInitAlarmPriSetup();
-        m_alarms = std::make_unique<AlarmQueue>(m_f->db, m_f->lists, m_f->timers, m_port);
+        m_alarms = std::make_unique<AlarmQueue>(m_f->db, m_f->lists, m_f->timers, m_port, m_port);
         m_statusUpdates = 0;
         m_dispatcher = std::make_unique<Dispatcher>(m_f->lists, m_f->timers, *m_store, *m_alarms, m_port, *m_link,
                                                     [this] { ++m_statusUpdates; });
@@ -213,7 +213,7 @@ private Q_SLOTS:
 
 private:
     std::unique_ptr<StoreFixture> m_f;
-    FakeStorePort m_port;
+    HeadlessWindow m_port;
     std::unique_ptr<AlertLink> m_link;
     std::unique_ptr<PriorityStore> m_store;
     std::unique_ptr<AlarmQueue> m_alarms;

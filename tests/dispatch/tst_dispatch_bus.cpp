@@ -4,6 +4,7 @@
 #include "Globals.h"
 #include "InProcessServer.h"
 #include "clsAlertCls.h"
+#include "pages/AlarmSetupPage.h"
 
 #include <QSqlQuery>
 #include <QTcpServer>
@@ -70,7 +71,7 @@ private Q_SLOTS:
                                                  " (SELECT * FROM AlarmMsgs WHERE OverWrite = FALSE ORDER BY rowid)"));
         QVERIFY(held.next());
         QCOMPARE(held.value(0).toString(), QStringLiteral("2:2:5003,3:1:5006,4:2:5007"));
-        QCOMPARE(fixture.window().lblQueuedAlarms(7), QStringLiteral("1"));
+        QCOMPARE(fixture.window().alarmSetupPage()->lblQueuedAlarms(7), QStringLiteral("1"));
 
         // Every tick reported the send states to the chamber program, with their bus types.
         g.gintEmailSendState = 1;

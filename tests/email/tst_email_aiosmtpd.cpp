@@ -5,6 +5,7 @@
 #include "Globals.h"
 #include "LocalSmtpServer.h"
 #include "Log.h"
+#include "SendStates.h"
 #include "SmtpClient.h"
 
 #include <QDir>
@@ -38,7 +39,11 @@ private Q_SLOTS:
         settings.from = QStringLiteral("osprel@chamber.test");
         settings.server = server.address();
         QList<qint16> statesAtUpdate;
-        SmtpClient client(settings, [&statesAtUpdate] { statesAtUpdate << g.gintEmailSendState; });
+        SmtpClient client(settings);
+        QObject::connect(&client, &SmtpClient::finished, [&statesAtUpdate](const SendOutcome &outcome) {
+            recordEmailOutcome(outcome);
+            statesAtUpdate << g.gintEmailSendState;
+        });
 
         // A notification-sized body: 27 lines, each ended by CR LF.
         QStringList bodyLines;

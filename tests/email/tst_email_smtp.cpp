@@ -5,6 +5,7 @@
 #include "Globals.h"
 #include "Log.h"
 #include "ScriptedSmtpPeer.h"
+#include "SendStates.h"
 #include "SmtpClient.h"
 #include "SmtpStates.h"
 #include "WinsockState.h"
@@ -47,7 +48,11 @@ private Q_SLOTS:
         m_log->lstStatus()->setStringList({});
         m_statesAtUpdate.clear();
         m_port = FakeEmailPort();
-        m_client = std::make_unique<SmtpClient>(m_port, [this] { m_statesAtUpdate << g.gintEmailSendState; });
+        m_client = std::make_unique<SmtpClient>(m_port);
+        connect(m_client.get(), &SmtpClient::finished, this, [this](const SendOutcome &outcome) {
+            recordEmailOutcome(outcome);
+            m_statesAtUpdate << g.gintEmailSendState;
+        });
     }
 
     void cleanup()

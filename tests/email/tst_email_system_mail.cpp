@@ -4,6 +4,7 @@
 #include "FakeEmailPort.h"
 #include "Globals.h"
 #include "Log.h"
+#include "SendStates.h"
 #include "SmtpClient.h"
 #include "SystemMail.h"
 
@@ -52,7 +53,11 @@ private Q_SLOTS:
         m_statesAtUpdate.clear();
         m_port = FakeEmailPort();
         m_port.smtp = false;
-        m_client = std::make_unique<SmtpClient>(m_port, [this] { m_statesAtUpdate << g.gintEmailSendState; });
+        m_client = std::make_unique<SmtpClient>(m_port);
+        connect(m_client.get(), &SmtpClient::finished, this, [this](const SendOutcome &outcome) {
+            recordEmailOutcome(outcome);
+            m_statesAtUpdate << g.gintEmailSendState;
+        });
         m_client->systemMail().setSendmailPath(script(QStringLiteral("accept")));
         QFile::remove(script(QStringLiteral("accept")) + QStringLiteral(".message"));
     }

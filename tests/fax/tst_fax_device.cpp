@@ -26,7 +26,7 @@ private Q_SLOTS:
         m_finder = FaxFinder();
         m_finder.setSearchSystemPorts(false);
         m_finder.setProbeTimeout(500);
-        m_device = std::make_unique<FaxDevice>(m_engine, m_finder, m_f->db, m_f->lists, *m_window);
+        m_device = std::make_unique<FaxDevice>(m_engine, m_finder, m_f->db, m_f->lists, *m_window, *m_window);
     }
     void cleanup()
     {

@@ -7,6 +7,7 @@
 #include "Globals.h"
 #include "InProcessServer.h"
 #include "SoftModem.h"
+#include "pages/CommSetupPage.h"
 
 #include <QProcess>
 #include <QSqlQuery>
@@ -42,7 +43,8 @@ private Q_SLOTS:
         server.faxFinder().setExtraPaths({modem.linkPath()});
         server.faxDevice().FindDevice();
         QVERIFY(server.faxDevice().gblnFaxDeviceFound);
-        QVERIFY(fixture.window().chkEnableFax()); // a device and a fax recipient: fax messaging comes on
+        QVERIFY(
+            fixture.window().commSetupPage()->chkEnableFax()); // a device and a fax recipient: fax messaging comes on
 
         QVERIFY(fixture.link());
         QVERIFY(fixture.sendAlert(QStringLiteral("31|4;Chamber 4;Walk-in;On;QLM V;T/H;Running;Yes|999;CH1 actual high|"

@@ -9,6 +9,7 @@
 #include "Globals.h"
 #include "HeadlessWindow.h"
 #include "ScriptedModem.h"
+#include "SendStates.h"
 #include "StoreFixture.h"
 
 #include <QtTest>
@@ -25,8 +26,11 @@ private Q_SLOTS:
         m_f = std::make_unique<StoreFixture>();
         m_window = std::make_unique<HeadlessWindow>();
         m_engine = std::make_unique<FaxEngine>();
-        m_device = std::make_unique<FaxDevice>(*m_engine, m_finder, m_f->db, m_f->lists, *m_window);
-        m_queue = std::make_unique<FaxQueue>(*m_engine, *m_device, m_f->lists, m_f->timers, m_f->db, *m_window);
+        m_device = std::make_unique<FaxDevice>(*m_engine, m_finder, m_f->db, m_f->lists, *m_window, *m_window);
+        m_queue = std::make_unique<FaxQueue>(*m_engine, *m_device, m_f->lists, m_f->timers, m_f->db, *m_window,
+                                             *m_window, *m_window, *m_window);
+        connect(m_queue.get(), &FaxQueue::sendingStarted, this, &recordFaxSending);
+        connect(m_queue.get(), &FaxQueue::finished, this, &recordFaxOutcome);
         m_f->lists.lvwFaxContacts.add(QStringList{"Roe", "Al", "5550002222"});
         m_f->lists.lvwSendFaxQue.add(QStringList{"t", "Chamber Notification\r\n\r\n  \tAlert ID: 7\r\n", "Chamber 4",
                                                  "5550002222", "0", "CHAMBER_ALARM",

@@ -1,7 +1,7 @@
 // The priority settings: when a level's summary report falls due, and how the settings load and save.
 
 #include "Database.h"
-#include "FakePorts.h"
+#include "HeadlessWindow.h"
 #include "Log.h"
 #include "PriorityEvaluation.h"
 #include "PriorityStore.h"
@@ -24,8 +24,8 @@ private Q_SLOTS:
         m_log->writeStartRecord(QString());
         m_db = std::make_unique<Database>();
         m_db->DBInitADO(m_dir->path());
-        m_port = FakeStorePort();
-        m_store = std::make_unique<PriorityStore>(*m_db, m_port);
+        m_port = HeadlessWindow();
+        m_store = std::make_unique<PriorityStore>(*m_db, m_port, m_port);
     }
     void cleanup()
     {
@@ -108,7 +108,7 @@ private Q_SLOTS:
                  QStringLiteral(
                      "ErrorHandler -2147217908: Command text was not set for the command object. (DBAddPriority)"));
 
-        PriorityStore reloaded(*m_db, m_port);
+        PriorityStore reloaded(*m_db, m_port, m_port);
         reloaded.DBInitAlarmCatSetup();
         reloaded.DBInitAlarmPriSetup();
         QCOMPARE(reloaded.GetPriotiryLevel(QStringLiteral("PROGRAM_ALARM")), qint16(2));
@@ -138,7 +138,7 @@ private Q_SLOTS:
         m_db->run(QStringLiteral("UPDATE SetupPriority SET PLevelID = 'x' WHERE rowid = 2"));
         m_db->run(QStringLiteral("UPDATE SetupPriority SET PLevelID = '2'"
                                  " WHERE rowid <> 2"));
-        PriorityStore store(*m_db, m_port);
+        PriorityStore store(*m_db, m_port, m_port);
         store.DBInitAlarmCatSetup();
         QCOMPARE(store.categoryLevel(0), QStringLiteral("2"));
         QCOMPARE(store.categoryLevel(2), QString()); // the load ended at the bad row
@@ -150,7 +150,7 @@ private:
     std::unique_ptr<QTemporaryDir> m_dir;
     std::unique_ptr<Log> m_log;
     std::unique_ptr<Database> m_db;
-    FakeStorePort m_port;
+    HeadlessWindow m_port;
     std::unique_ptr<PriorityStore> m_store;
 };
 

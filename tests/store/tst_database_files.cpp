@@ -51,9 +51,9 @@ private Q_SLOTS:
         g.gstrAppPath = dir.path();
         Log log(dir.path());
         log.writeStartRecord(QString());
-        EmailFaxServer server(log);
+        FormLists lists;
         HeadlessWindow window;
-        server.setPort(&window);
+        EmailFaxServer server(log, lists, window.ports());
         server.Form_Load();
 
         const QStringList lines = log.lstStatus()->stringList();

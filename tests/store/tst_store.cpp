@@ -4,10 +4,10 @@
 #include "AlarmQueue.h"
 #include "DBInit.h"
 #include "Database.h"
-#include "FakePorts.h"
 #include "FormLists.h"
 #include "FormTimers.h"
 #include "Globals.h"
+#include "HeadlessWindow.h"
 #include "Log.h"
 #include "Schema.h"
 
@@ -29,7 +29,7 @@ private Q_SLOTS:
     void init()
     {
         resetGlobals();
-        m_port = FakeStorePort();
+        m_port = HeadlessWindow();
         m_dir = std::make_unique<QTemporaryDir>();
         m_log = std::make_unique<Log>(m_dir->path());
         m_log->writeStartRecord(QString());
@@ -38,7 +38,7 @@ private Q_SLOTS:
         QVERIFY(m_db->isOpen());
         m_lists = std::make_unique<FormLists>();
         m_lists->InitColHeaders();
-        m_queue = std::make_unique<AlarmQueue>(*m_db, *m_lists, m_timers, m_port);
+        m_queue = std::make_unique<AlarmQueue>(*m_db, *m_lists, m_timers, m_port, m_port);
         // An independent connection looks at the file as another program would.
         m_inspect = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("inspect"));
         m_inspect.setDatabaseName(m_db->path());
@@ -204,7 +204,7 @@ private:
     std::unique_ptr<FormLists> m_lists;
     std::unique_ptr<AlarmQueue> m_queue;
     FormTimers m_timers;
-    FakeStorePort m_port;
+    HeadlessWindow m_port;
     QSqlDatabase m_inspect;
 };
 

@@ -1,6 +1,7 @@
 // The main window driven headless: load, the list layouts, page switching, closing to the tray and unloading.
 
 #include "EmailFaxServer.h"
+#include "FormWiring.h"
 #include "Globals.h"
 #include "Log.h"
 #include "MainWindow.h"
@@ -52,17 +53,19 @@ private Q_SLOTS:
         m_dir = std::make_unique<QTemporaryDir>();
         g.gstrAppPath = m_dir->path();
         m_log = std::make_unique<Log>(m_dir->path());
-        m_server = std::make_unique<EmailFaxServer>(*m_log);
-        m_window = std::make_unique<MainWindow>(*m_server, *m_log);
-        m_server->setPort(m_window.get());
+        m_lists = std::make_unique<FormLists>();
+        m_window = std::make_unique<MainWindow>(*m_lists, *m_log);
+        m_server = std::make_unique<EmailFaxServer>(*m_log, *m_lists, m_window->ports());
+        wireForm(*m_window, *m_server);
         m_watcher = std::make_unique<ShowWatcher>(m_log->logPath());
         m_window->installEventFilter(m_watcher.get());
         m_server->Form_Load();
     }
     void cleanup()
     {
-        m_window.reset();
         m_server.reset();
+        m_window.reset();
+        m_lists.reset();
         m_log.reset();
         m_dir.reset();
     }
@@ -159,8 +162,9 @@ private:
 
     std::unique_ptr<QTemporaryDir> m_dir;
     std::unique_ptr<Log> m_log;
-    std::unique_ptr<EmailFaxServer> m_server;
+    std::unique_ptr<FormLists> m_lists;
     std::unique_ptr<MainWindow> m_window;
+    std::unique_ptr<EmailFaxServer> m_server;
     std::unique_ptr<ShowWatcher> m_watcher;
 };
 

@@ -5,6 +5,7 @@
 #include "AlarmQueue.h"
 #include "Database.h"
 #include "EmailFaxServer.h"
+#include "FormWiring.h"
 #include "Globals.h"
 #include "Log.h"
 #include "MainWindow.h"
@@ -211,17 +212,19 @@ private:
         resetGlobals();
         g.gstrAppPath = m_home.path();
         m_log = std::make_unique<Log>(m_home.path());
-        m_server = std::make_unique<EmailFaxServer>(*m_log);
-        m_window = std::make_unique<MainWindow>(*m_server, *m_log);
-        m_server->setPort(m_window.get());
+        m_lists = std::make_unique<FormLists>();
+        m_window = std::make_unique<MainWindow>(*m_lists, *m_log);
+        m_server = std::make_unique<EmailFaxServer>(*m_log, *m_lists, m_window->ports());
+        wireForm(*m_window, *m_server);
         m_server->Form_Load();
         m_server->timers().TimerInit.stop();
     }
     void stop()
     {
         g.gblnServerLinked = false;
-        m_window.reset();
         m_server.reset();
+        m_window.reset();
+        m_lists.reset();
         m_log.reset();
     }
     QWidget *widget(const char *name) const { return m_window->findChild<QWidget *>(QLatin1String(name)); }
@@ -299,8 +302,9 @@ private:
 
     QTemporaryDir m_home;
     std::unique_ptr<Log> m_log;
-    std::unique_ptr<EmailFaxServer> m_server;
+    std::unique_ptr<FormLists> m_lists;
     std::unique_ptr<MainWindow> m_window;
+    std::unique_ptr<EmailFaxServer> m_server;
 };
 
 QTEST_MAIN(TestScreens)

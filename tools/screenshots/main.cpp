@@ -3,6 +3,7 @@
 
 #include "Database.h"
 #include "EmailFaxServer.h"
+#include "FormWiring.h"
 #include "Globals.h"
 #include "Log.h"
 #include "MainWindow.h"
@@ -70,9 +71,10 @@ int main(int argc, char **argv)
     prepare(home.path());
     g.gstrAppPath = home.path();
     Log log(home.path());
-    EmailFaxServer server(log);
-    MainWindow window(server, log);
-    server.setPort(&window);
+    FormLists lists;
+    MainWindow window(lists, log);
+    EmailFaxServer server(log, lists, window.ports());
+    wireForm(window, server);
     server.Form_Load();
     window.resize(1100, 760);
     // A few alerts waiting in the incoming queue.

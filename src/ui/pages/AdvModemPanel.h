@@ -1,6 +1,8 @@
 #pragma once
 // picAdvModemSetup: the fax modem's initialisation string and fax class, opened over the page by "Setup...".
 
+#include "ModemPanelPort.h"
+
 #include <QFrame>
 
 class QButtonGroup;
@@ -12,18 +14,38 @@ class QRadioButton;
 
 namespace osprel {
 
-class AdvModemPanel : public QFrame
+class OverlayHost;
+
+class AdvModemPanel : public QFrame, public ModemPanelPort
 {
     Q_OBJECT
 public:
-    explicit AdvModemPanel(QWidget *parent = nullptr);
+    AdvModemPanel(OverlayHost &host, QWidget *parent = nullptr);
 
-    QLineEdit *txtConStr;
-    QRadioButton *optModemClass[4]; // 0 automatic, 1 Class 1, 2 Class 2, 3 Class 2.0
-    QButtonGroup *modemClass;
-    QLabel *lblCurrentClass;
-    QCheckBox *chkDetailModemLogging;
-    QPushButton *cmdDefaultInitStr, *cmdTalkToMe, *cmdAcceptModemSetup, *cmdCancelModemSetup;
+    // ModemPanelPort
+    void showAdvModemSetup(bool open) override;
+    QString txtConStr() const override;
+    void setTxtConStr(const QString &text) override;
+    int selectedModemClassOption() const override;
+    void selectModemClassOption(int option) override;
+    void setModemClassCaption(int option, const QString &caption) override;
+    void setLblCurrentClass(const QString &text) override;
+    void setModemSetupButtonsEnabled(bool enabled) override;
+    bool chkDetailModemLogging() const override;
+
+    // The page's controls, by the names the system knows them by.
+    struct Controls
+    {
+        QLineEdit *txtConStr;
+        QRadioButton *optModemClass[4]; // 0 automatic, 1 Class 1, 2 Class 2, 3 Class 2.0
+        QButtonGroup *modemClass;
+        QLabel *lblCurrentClass;
+        QCheckBox *chkDetailModemLogging;
+        QPushButton *cmdDefaultInitStr, *cmdTalkToMe, *cmdAcceptModemSetup, *cmdCancelModemSetup;
+    } ui;
+
+private:
+    OverlayHost &m_host;
 };
 
 } // namespace osprel

@@ -32,67 +32,68 @@ ContactEditor::ContactEditor(QWidget *parent) : QFrame(parent)
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(new QLabel(tr("<b>Recipient</b>"), this));
     auto *form = new QFormLayout;
-    form->addRow(tr("First name:"), txtContactsFName = box(this, "txtContactsFName"));
-    form->addRow(tr("Last name:"), txtContactsLName = box(this, "txtContactsLName"));
-    form->addRow(tr("E-mail:"), txtContactsEmail = box(this, "txtContactsEmail"));
+    form->addRow(tr("First name:"), ui.txtContactsFName = box(this, "txtContactsFName"));
+    form->addRow(tr("Last name:"), ui.txtContactsLName = box(this, "txtContactsLName"));
+    form->addRow(tr("E-mail:"), ui.txtContactsEmail = box(this, "txtContactsEmail"));
     auto *fax = new QHBoxLayout;
-    fax->addWidget(txtContactsFaxAC = box(this, "txtContactsFaxAC", 3));
-    fax->addWidget(txtContactsFax3D = box(this, "txtContactsFax3D", 3));
-    fax->addWidget(txtContactsFax4D = box(this, "txtContactsFax4D", 4));
+    fax->addWidget(ui.txtContactsFaxAC = box(this, "txtContactsFaxAC", 3));
+    fax->addWidget(ui.txtContactsFax3D = box(this, "txtContactsFax3D", 3));
+    fax->addWidget(ui.txtContactsFax4D = box(this, "txtContactsFax4D", 4));
     fax->addStretch(1);
     form->addRow(tr("Fax number:"), fax);
-    form->addRow(tr("Notes:"), txtContactsNotes = box(this, "txtContactsNotes"));
+    form->addRow(tr("Notes:"), ui.txtContactsNotes = box(this, "txtContactsNotes"));
     layout->addLayout(form);
-    lblContactErr = new QLabel(this);
-    lblContactErr->setObjectName(QStringLiteral("lblContactErr"));
-    lblContactErr->setStyleSheet(QStringLiteral("color: #b00000"));
-    lblContactErr->setWordWrap(true);
-    layout->addWidget(lblContactErr);
+    ui.lblContactErr = new QLabel(this);
+    ui.lblContactErr->setObjectName(QStringLiteral("lblContactErr"));
+    ui.lblContactErr->setStyleSheet(QStringLiteral("color: #b00000"));
+    ui.lblContactErr->setWordWrap(true);
+    layout->addWidget(ui.lblContactErr);
     auto *buttons = new QHBoxLayout;
     buttons->addStretch(1);
-    cmdContactsOK = new QPushButton(tr("OK"), this);
-    cmdContactsOK->setObjectName(QStringLiteral("cmdContactsOK"));
-    cmdContactsOK->setDefault(true);
-    cmdContactsCancel = new QPushButton(tr("Cancel"), this);
-    cmdContactsCancel->setObjectName(QStringLiteral("cmdContactsCancel"));
-    buttons->addWidget(cmdContactsOK);
-    buttons->addWidget(cmdContactsCancel);
+    ui.cmdContactsOK = new QPushButton(tr("OK"), this);
+    ui.cmdContactsOK->setObjectName(QStringLiteral("cmdContactsOK"));
+    ui.cmdContactsOK->setDefault(true);
+    ui.cmdContactsCancel = new QPushButton(tr("Cancel"), this);
+    ui.cmdContactsCancel->setObjectName(QStringLiteral("cmdContactsCancel"));
+    buttons->addWidget(ui.cmdContactsOK);
+    buttons->addWidget(ui.cmdContactsCancel);
     layout->addLayout(buttons);
     layout->addStretch(1);
 
-    for (QLineEdit *part : {txtContactsFaxAC, txtContactsFax3D, txtContactsFax4D})
+    for (QLineEdit *part : {ui.txtContactsFaxAC, ui.txtContactsFax3D, ui.txtContactsFax4D})
         part->installEventFilter(this);
-    connect(txtContactsFaxAC, &QLineEdit::textChanged, this,
-            [this] { advance(txtContactsFaxAC, 3, txtContactsFax3D, false); });
-    connect(txtContactsFax3D, &QLineEdit::textChanged, this,
-            [this] { advance(txtContactsFax3D, 3, txtContactsFax4D, false); });
-    connect(txtContactsFax4D, &QLineEdit::textChanged, this,
-            [this] { advance(txtContactsFax4D, 4, txtContactsNotes, true); });
-    setTabOrder(txtContactsFName, txtContactsLName);
-    setTabOrder(txtContactsLName, txtContactsEmail);
-    setTabOrder(txtContactsEmail, txtContactsFaxAC);
-    setTabOrder(txtContactsFaxAC, txtContactsFax3D);
-    setTabOrder(txtContactsFax3D, txtContactsFax4D);
-    setTabOrder(txtContactsFax4D, txtContactsNotes);
-    setTabOrder(txtContactsNotes, cmdContactsOK);
-    setTabOrder(cmdContactsOK, cmdContactsCancel);
+    connect(ui.txtContactsFaxAC, &QLineEdit::textChanged, this,
+            [this] { advance(ui.txtContactsFaxAC, 3, ui.txtContactsFax3D, false); });
+    connect(ui.txtContactsFax3D, &QLineEdit::textChanged, this,
+            [this] { advance(ui.txtContactsFax3D, 3, ui.txtContactsFax4D, false); });
+    connect(ui.txtContactsFax4D, &QLineEdit::textChanged, this,
+            [this] { advance(ui.txtContactsFax4D, 4, ui.txtContactsNotes, true); });
+    setTabOrder(ui.txtContactsFName, ui.txtContactsLName);
+    setTabOrder(ui.txtContactsLName, ui.txtContactsEmail);
+    setTabOrder(ui.txtContactsEmail, ui.txtContactsFaxAC);
+    setTabOrder(ui.txtContactsFaxAC, ui.txtContactsFax3D);
+    setTabOrder(ui.txtContactsFax3D, ui.txtContactsFax4D);
+    setTabOrder(ui.txtContactsFax4D, ui.txtContactsNotes);
+    setTabOrder(ui.txtContactsNotes, ui.cmdContactsOK);
+    setTabOrder(ui.cmdContactsOK, ui.cmdContactsCancel);
 }
 
-ContactFields ContactEditor::fields() const
+ContactFields ContactEditor::contactFields() const
 {
-    return {txtContactsLName->text(), txtContactsFName->text(), txtContactsEmail->text(), txtContactsFaxAC->text(),
-            txtContactsFax3D->text(), txtContactsFax4D->text(), txtContactsNotes->text()};
+    return {ui.txtContactsLName->text(), ui.txtContactsFName->text(), ui.txtContactsEmail->text(),
+            ui.txtContactsFaxAC->text(), ui.txtContactsFax3D->text(), ui.txtContactsFax4D->text(),
+            ui.txtContactsNotes->text()};
 }
 
-void ContactEditor::setFields(const ContactFields &f)
+void ContactEditor::setContactFields(const ContactFields &f)
 {
-    txtContactsLName->setText(f.LName);
-    txtContactsFName->setText(f.FName);
-    txtContactsEmail->setText(f.Email);
-    txtContactsFaxAC->setText(f.FaxAC);
-    txtContactsFax3D->setText(f.Fax3D);
-    txtContactsFax4D->setText(f.Fax4D);
-    txtContactsNotes->setText(f.Notes);
+    ui.txtContactsLName->setText(f.LName);
+    ui.txtContactsFName->setText(f.FName);
+    ui.txtContactsEmail->setText(f.Email);
+    ui.txtContactsFaxAC->setText(f.FaxAC);
+    ui.txtContactsFax3D->setText(f.Fax3D);
+    ui.txtContactsFax4D->setText(f.Fax4D);
+    ui.txtContactsNotes->setText(f.Notes);
 }
 
 // The fax boxes take the digits 0 to 9 and Backspace; every other character typed is dropped. Keys that type
@@ -116,6 +117,22 @@ void ContactEditor::advance(QLineEdit *box, int length, QWidget *next, bool trim
     if (box->text().size() > length)
         box->setText(box->text().left(length));
     next->setFocus();
+}
+
+void ContactEditor::showContactEditor()
+{
+    show();
+    raise();
+}
+
+void ContactEditor::hideContactEditor()
+{
+    hide();
+}
+
+void ContactEditor::setLblContactErr(const QString &text)
+{
+    ui.lblContactErr->setText(text);
 }
 
 } // namespace osprel

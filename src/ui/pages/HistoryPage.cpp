@@ -13,7 +13,8 @@ HistoryPage::HistoryPage(int index, FormLists &lists, QWidget *parent) : QFrame(
 {
     setObjectName(QStringLiteral("Frame1(%1)").arg(index));
     auto *layout = new QVBoxLayout(this);
-    layout->addWidget(new ListView(lists.lvwHist[index], ListView::Refresh::Coalesced, this), 1);
+    lvwHist = new ListView(lists.lvwHist[index], ListView::Refresh::Coalesced, this);
+    layout->addWidget(lvwHist, 1);
     auto *buttons = new QHBoxLayout;
     cmdClear = new QPushButton(tr("Clear History"), this);
     cmdClear->setObjectName(QStringLiteral("cmdClear(%1)").arg(index));

@@ -8,6 +8,7 @@ class QPushButton;
 namespace osprel {
 
 class FormLists;
+class ListView;
 
 class HistoryPage : public QFrame
 {
@@ -15,6 +16,7 @@ class HistoryPage : public QFrame
 public:
     HistoryPage(int index, FormLists &lists, QWidget *parent = nullptr);
 
+    ListView *lvwHist = nullptr; // lvwHist(index)
     QPushButton *cmdClear = nullptr;
     QPushButton *cmdStatus = nullptr;      // e-mail page only
     QPushButton *cmdViewLogFile = nullptr; // e-mail page only

@@ -3,7 +3,7 @@
 // day or week at a set time, and the send-first / send-after counts with their reset time.
 
 #include "LevelRecord.h"
-#include "PrioritySetupPort.h"
+#include "PriorityPagePort.h"
 
 #include <QGroupBox>
 

@@ -1,6 +1,8 @@
 #pragma once
 // Frame1(5): the definition of each sending level, one frame per level, with Accept and Cancel.
 
+#include "PriorityPagePort.h"
+
 #include <QFrame>
 
 class QLabel;
@@ -10,15 +12,24 @@ namespace osprel {
 
 class LevelFrame;
 
-class PriorityPage : public QFrame
+class PriorityPage : public QFrame, public PriorityPagePort
 {
     Q_OBJECT
 public:
     explicit PriorityPage(QWidget *parent = nullptr);
 
-    LevelFrame *fraPriorityDef[3];
-    QPushButton *cmdAcceptPriority, *cmdCancelPriority;
-    QLabel *lblChangeWarning;
+    // PriorityPagePort
+    void showLevelDefinitions(const LevelRecord (&levels)[3]) override;
+    LevelFrameValues levelFrame(int level) const override;
+    void setPrioritySetupChanged(bool changed) override;
+
+    // The page's controls, by the names the system knows them by.
+    struct Controls
+    {
+        LevelFrame *fraPriorityDef[3];
+        QPushButton *cmdAcceptPriority, *cmdCancelPriority;
+        QLabel *lblChangeWarning;
+    } ui;
 };
 
 } // namespace osprel

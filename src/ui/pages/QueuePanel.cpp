@@ -80,4 +80,18 @@ QueuePanel::QueuePanel(FormLists &lists, Log &log, QWidget *parent) : QTabWidget
     addTab(fax, tr("Fax Queue"));
 }
 
+void QueuePanel::setServiceControlsVisible(bool visible)
+{
+    for (QWidget *w : std::initializer_list<QWidget *>{Label1, Label7, Label8, cmdEnableTimer, cmdAddErr, cmdSendFax,
+                                                       cmdShutUp, lvwMsgQue, lvwSendEmailQue, lvwSendFaxQue})
+        w->setVisible(visible);
+}
+
+void QueuePanel::showQueues()
+{
+    for (QWidget *w : std::initializer_list<QWidget *>{this, Label7, Label1, fraEmailFaxQue, lvwSendEmailQue, lvwMsgQue,
+                                                       lvwSendFaxQue})
+        w->setVisible(true);
+}
+
 } // namespace osprel

@@ -21,6 +21,11 @@ class QueuePanel : public QTabWidget
 public:
     QueuePanel(FormLists &lists, Log &log, QWidget *parent = nullptr);
 
+    // The queue lists, their labels and the developer test buttons: hidden in normal use.
+    void setServiceControlsVisible(bool visible);
+    // The panel, the queue lists and their labels shown, as the start page has them.
+    void showQueues();
+
     ListView *lvwMsgQue, *lvwSendEmailQue, *lvwSendFaxQue;
     QListView *lstEmailStatus, *lstFaxStatus;
     QLabel *Label1, *Label7, *Label8;

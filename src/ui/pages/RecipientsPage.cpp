@@ -3,6 +3,7 @@
 #include "FormLists.h"
 #include "ListView.h"
 
+#include <QApplication>
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -32,6 +33,15 @@ QVBoxLayout *arrows(QPushButton *add, QPushButton *remove)
     column->addStretch(1);
     return column;
 }
+// A list switched off is greyed out, with the scroll-bar colour as its background.
+void showListEnabled(QWidget *list, bool enabled)
+{
+    list->setEnabled(enabled);
+    QPalette palette = list->palette();
+    palette.setColor(QPalette::Base, enabled ? QApplication::palette().color(QPalette::Base)
+                                             : QApplication::palette().color(QPalette::Button));
+    list->setPalette(palette);
+}
 } // namespace
 
 RecipientsPage::RecipientsPage(FormLists &lists, QWidget *parent) : QFrame(parent)
@@ -39,36 +49,56 @@ RecipientsPage::RecipientsPage(FormLists &lists, QWidget *parent) : QFrame(paren
     setObjectName(QStringLiteral("Frame1(2)"));
     auto *layout = new QGridLayout(this);
     layout->addWidget(new QLabel(tr("All contacts"), this), 0, 0);
-    layout->addWidget(lvwMainContacts = new ListView(lists.lvwMainContacts, ListView::Refresh::Immediate, this), 1, 0,
-                      3, 1);
-    cmdAddEmailAdr = button(this, "cmdAddEmailAdr", QStringLiteral(">"), tr("Send e-mail to the selected contact"));
-    cmdRemEmailAdr = button(this, "cmdRemEmailAdr", QStringLiteral("<"), tr("Stop e-mail to the selected recipient"));
-    cmdAddFaxAdr = button(this, "cmdAddFaxAdr", QStringLiteral(">"), tr("Send faxes to the selected contact"));
-    cmdRemFaxAdr = button(this, "cmdRemFaxAdr", QStringLiteral("<"), tr("Stop faxes to the selected recipient"));
-    layout->addLayout(arrows(cmdAddEmailAdr, cmdRemEmailAdr), 1, 1);
-    layout->addLayout(arrows(cmdAddFaxAdr, cmdRemFaxAdr), 3, 1);
+    layout->addWidget(ui.lvwMainContacts = new ListView(lists.lvwMainContacts, ListView::Refresh::Immediate, this), 1,
+                      0, 3, 1);
+    ui.cmdAddEmailAdr = button(this, "cmdAddEmailAdr", QStringLiteral(">"), tr("Send e-mail to the selected contact"));
+    ui.cmdRemEmailAdr =
+        button(this, "cmdRemEmailAdr", QStringLiteral("<"), tr("Stop e-mail to the selected recipient"));
+    ui.cmdAddFaxAdr = button(this, "cmdAddFaxAdr", QStringLiteral(">"), tr("Send faxes to the selected contact"));
+    ui.cmdRemFaxAdr = button(this, "cmdRemFaxAdr", QStringLiteral("<"), tr("Stop faxes to the selected recipient"));
+    layout->addLayout(arrows(ui.cmdAddEmailAdr, ui.cmdRemEmailAdr), 1, 1);
+    layout->addLayout(arrows(ui.cmdAddFaxAdr, ui.cmdRemFaxAdr), 3, 1);
     layout->addWidget(new QLabel(tr("E-mail recipients"), this), 0, 2);
-    layout->addWidget(lvwEmailContacts = new ListView(lists.lvwEmailContacts, ListView::Refresh::Immediate, this), 1,
+    layout->addWidget(ui.lvwEmailContacts = new ListView(lists.lvwEmailContacts, ListView::Refresh::Immediate, this), 1,
                       2);
     layout->addWidget(new QLabel(tr("Fax recipients"), this), 2, 2);
-    layout->addWidget(lvwFaxContacts = new ListView(lists.lvwFaxContacts, ListView::Refresh::Immediate, this), 3, 2);
+    layout->addWidget(ui.lvwFaxContacts = new ListView(lists.lvwFaxContacts, ListView::Refresh::Immediate, this), 3, 2);
     auto *buttons = new QHBoxLayout;
-    buttons->addWidget(cmdNew = button(this, "cmdNew", QStringLiteral("New")));
-    buttons->addWidget(cmdEdit = button(this, "cmdEdit", QStringLiteral("Edit")));
-    buttons->addWidget(cmdDelete = button(this, "cmdDelete", QStringLiteral("Delete")));
+    buttons->addWidget(ui.cmdNew = button(this, "cmdNew", QStringLiteral("New")));
+    buttons->addWidget(ui.cmdEdit = button(this, "cmdEdit", QStringLiteral("Edit")));
+    buttons->addWidget(ui.cmdDelete = button(this, "cmdDelete", QStringLiteral("Delete")));
     buttons->addStretch(1);
     layout->addLayout(buttons, 4, 0, 1, 3);
     layout->setColumnStretch(0, 3);
     layout->setColumnStretch(2, 2);
-    setTabOrder(lvwMainContacts, cmdAddEmailAdr);
-    setTabOrder(cmdAddEmailAdr, cmdRemEmailAdr);
-    setTabOrder(cmdRemEmailAdr, lvwEmailContacts);
-    setTabOrder(lvwEmailContacts, cmdAddFaxAdr);
-    setTabOrder(cmdAddFaxAdr, cmdRemFaxAdr);
-    setTabOrder(cmdRemFaxAdr, lvwFaxContacts);
-    setTabOrder(lvwFaxContacts, cmdNew);
-    setTabOrder(cmdNew, cmdEdit);
-    setTabOrder(cmdEdit, cmdDelete);
+    setTabOrder(ui.lvwMainContacts, ui.cmdAddEmailAdr);
+    setTabOrder(ui.cmdAddEmailAdr, ui.cmdRemEmailAdr);
+    setTabOrder(ui.cmdRemEmailAdr, ui.lvwEmailContacts);
+    setTabOrder(ui.lvwEmailContacts, ui.cmdAddFaxAdr);
+    setTabOrder(ui.cmdAddFaxAdr, ui.cmdRemFaxAdr);
+    setTabOrder(ui.cmdRemFaxAdr, ui.lvwFaxContacts);
+    setTabOrder(ui.lvwFaxContacts, ui.cmdNew);
+    setTabOrder(ui.cmdNew, ui.cmdEdit);
+    setTabOrder(ui.cmdEdit, ui.cmdDelete);
+}
+
+void RecipientsPage::selectMainContactRow(int row)
+{
+    QAbstractItemView *list = ui.lvwMainContacts;
+    if (row <= 0)
+        list->clearSelection();
+    else
+        list->setCurrentIndex(list->model()->index(row - 1, 0));
+}
+
+void RecipientsPage::setEmailListEnabled(bool enabled)
+{
+    showListEnabled(ui.lvwEmailContacts, enabled);
+}
+
+void RecipientsPage::setFaxListEnabled(bool enabled)
+{
+    showListEnabled(ui.lvwFaxContacts, enabled);
 }
 
 } // namespace osprel

@@ -1,0 +1,259 @@
+#include "SendStatus.h"
+
+#include "AlertLink.h"
+#include "ErrorReport.h"
+#include "FaxLine.h"
+#include "FormLists.h"
+#include "FormTimers.h"
+#include "Globals.h"
+#include "History.h"
+#include "Log.h"
+#include "QueueRoutines.h"
+#include "RecipientString.h"
+#include "SendStates.h"
+#include "SmtpClient.h"
+#include "StatusPort.h"
+#include "TestBanners.h"
+#include "TimeScale.h"
+#include "TrayState.h"
+#include "Values.h"
+
+namespace osprel {
+
+namespace {
+enum SendState : qint16 { Idle = 0, Sending = 1, Sent = 3, Failed = 4 };
+enum EmailFax : qint16 { ViaEmail = 1, ViaFax = 2 };
+constexpr int kStatusColumn = 2;
+constexpr int kAttemptsColumn = 5;
+} // namespace
+
+SendStatus::SendStatus(FormLists &lists, FormTimers &timers, const Database &database, AlertLink &link,
+                       SmtpClient &smtp, TrayState &tray, StatusPort &port)
+    : m_lists(lists), m_timers(timers), m_database(database), m_link(link), m_smtp(smtp), m_tray(tray), m_port(port)
+{
+    m_smtpOutcomes = QObject::connect(&m_smtp, &SmtpClient::finished, &m_smtp, [this](const SendOutcome &outcome) {
+        recordEmailOutcome(outcome);
+        SendStatUpdate();
+    });
+}
+
+SendStatus::~SendStatus()
+{
+    QObject::disconnect(m_smtpOutcomes);
+}
+
+void SendStatus::SendStatUpdate()
+{
+    if (gblnStatusUpdating)
+        return;
+    gblnStatusUpdating = true;
+    guarded(QStringLiteral("SendStatUpdate"), [&] {
+        m_tray.IconUpdate();
+        switch (g.gintEmailSendState) {
+        case Sending:
+            emailSending();
+            break;
+        case Sent:
+            emailSent();
+            break;
+        case Failed:
+            emailFailed();
+            break;
+        default:
+            break;
+        }
+        switch (g.gintFaxSendState) {
+        case Sending:
+            faxSending();
+            break;
+        case Sent:
+            faxSent();
+            break;
+        case Failed:
+            faxFailed();
+            break;
+        default:
+            break;
+        }
+    });
+    gblnStatusUpdating = false; // also after a reported error: the guard never stays set
+}
+
+void SendStatus::cmdClear_Click(int index)
+{
+    guarded(QStringLiteral("cmdClear_Click"), [&] {
+        if (index != 0 && index != 1)
+            raise(Err::SubscriptOutOfRange);
+        if (m_lists.lvwHist[index].isEmpty())
+            return;
+        DBCLearHistory(m_database, index);
+        m_lists.lvwHist[index].clear();
+    });
+}
+
+void SendStatus::cmdClearQueue_Click(int index)
+{
+    guarded(QStringLiteral("cmdClearQueue_Click"), [&] {
+        if (index != 0 && index != 1)
+            raise(Err::SubscriptOutOfRange);
+        ListStore &queue = index == 0 ? m_lists.lvwSendEmailQue : m_lists.lvwSendFaxQue;
+        if (queue.isEmpty())
+            return;
+        queue.clear();
+        if (Log *log = Log::instance()) {
+            QStringListModel *status = index == 0 ? log->lstEmailStatus() : log->lstFaxStatus();
+            status->removeRows(0, status->rowCount());
+        }
+    });
+}
+
+void SendStatus::emailSending()
+{
+    if (!m_lists.lvwHist[0].isEmpty())
+        m_lists.lvwHist[0].setText(1, kStatusColumn, QStringLiteral("Sending"));
+    g.glngEmailTicks += 1;
+    if (g.glngEmailTicks >= kEmailGiveUpTicks) {
+        DumpStr(QStringLiteral("EMail Status: Error: no outcome after ") + QString::number(kEmailGiveUpTicks) +
+                    QStringLiteral(" status checks.  Aborting."),
+                Log::EmailList);
+        g.gintEmailSendState = Failed;
+        g.glngEmailTicks = 0;
+        m_smtp.abort(); // closes the socket and sets SmtpState to 0
+    }
+    if (g.gblnEmailTest)
+        m_port.setTxtTestEmailProg(QString::number(g.glngEmailTicks) + QStringLiteral("Sending... "));
+}
+
+void SendStatus::emailSent()
+{
+    g.glngEmailTicks = 0;
+    if (g.gblnEmailTest) {
+        m_port.setTxtTestEmailProg(QStringLiteral("Sent Successfully"));
+        g.gblnEmailTest = false;
+        DumpTestEmailBanner(QStringLiteral("*** Status: EMail sent successfully."));
+        CopyEmailToRecipientStr(m_lists);
+        g.gintEmailSendState = Idle;
+        g.glngEmailAttempts = 0;
+        return;
+    }
+    if (g.gintIconState != 2)
+        g.gintIconState = 1;
+    m_tray.IconUpdate();
+    m_lists.lvwHist[0].setText(1, kStatusColumn, QStringLiteral("Sent"));
+    if (!m_lists.lvwSendEmailQue.isEmpty()) {
+        m_link.Vantor32Reply(ViaEmail, true); // before the row goes: the reply reads its alert number
+        m_lists.lvwSendEmailQue.remove(1);
+    }
+    g.glngEmailAttempts = 0;
+    DBAddHistLvw(m_database, m_lists, 0);
+    rearmEmailQueue();
+    g.gintEmailSendState = Idle;
+}
+
+// An e-mail is tried three times in all, always as the head of its queue.
+void SendStatus::emailFailed()
+{
+    g.glngEmailTicks = 0;
+    if (g.gblnEmailTest) {
+        m_port.setTxtTestEmailProg(QStringLiteral("Send Failed"));
+        g.gblnEmailTest = false;
+        DumpTestEmailBanner(QStringLiteral("*** Status: Test email failed."));
+        g.gintEmailSendState = Idle;
+        g.glngEmailAttempts = 0;
+        return;
+    }
+    m_smtp.abort();
+    ListStore &history = m_lists.lvwHist[0];
+    if (g.glngEmailAttempts < 2) {
+        history.setText(1, kStatusColumn, QStringLiteral("Attempt %1 Failed").arg(g.glngEmailAttempts + 1));
+        g.glngEmailAttempts += 1;
+        switchOn(m_timers.TimerEmailMsgQue);
+    } else {
+        history.setText(1, kStatusColumn, QStringLiteral("Attempt 3 Failed"));
+        if (!m_lists.lvwSendEmailQue.isEmpty()) {
+            m_link.Vantor32Reply(ViaEmail, false); // the chamber program hears of the final failure too
+            m_lists.lvwSendEmailQue.remove(1);
+        }
+        g.gintIconState = 2;
+        g.glngEmailAttempts = 0;
+        DBAddHistLvw(m_database, m_lists, 0);
+        rearmEmailQueue();
+    }
+    g.gintEmailSendState = Idle;
+    m_tray.IconUpdate();
+}
+
+void SendStatus::rearmEmailQueue()
+{
+    if (m_lists.lvwSendEmailQue.isEmpty())
+        m_timers.TimerEmailMsgQue.stop();
+    else
+        switchOn(m_timers.TimerEmailMsgQue);
+}
+
+void SendStatus::faxSending()
+{
+    g.glngFaxTicks += 1;
+    // A call that has not reached the sending state after ten checks has failed; none takes 400.
+    if (g.glngFaxTicks >= kFaxCheckTicks && (!m_faxLine || m_faxLine->faxStatus() != 2))
+        g.gintFaxSendState = Failed;
+    if (g.glngFaxTicks >= kFaxGiveUpTicks)
+        g.gintFaxSendState = Failed;
+    if (g.gblnFaxTest)
+        m_port.setTxtTestFaxProg(QString::number(g.glngFaxTicks) + QStringLiteral("Sending... "));
+}
+
+void SendStatus::faxSent()
+{
+    if (g.gblnFaxTest) {
+        m_port.setTxtTestFaxProg(QStringLiteral("Sent Successfully"));
+        g.gblnFaxTest = false;
+        DumpTestFaxBanner(QStringLiteral("*** Status: Test fax sent successfully."));
+        g.gintFaxSendState = Idle;
+        g.glngFaxTicks = 0;
+        return;
+    }
+    if (g.gintIconState != 2)
+        g.gintIconState = 1;
+    m_tray.IconUpdate();
+    m_lists.lvwHist[1].setText(1, kStatusColumn, QStringLiteral("Sent"));
+    DBAddHistLvw(m_database, m_lists, 1);
+    g.glngFaxTicks = 0;
+    if (!m_lists.lvwSendFaxQue.isEmpty()) {
+        m_link.Vantor32Reply(ViaFax, true);
+        m_lists.lvwSendFaxQue.remove(1);
+    }
+    g.gintFaxSendState = Idle;
+}
+
+// A fax is tried three times in all; each retry waits behind every other fax in the queue.
+void SendStatus::faxFailed()
+{
+    if (g.gblnFaxTest) {
+        m_port.setTxtTestFaxProg(QStringLiteral("Send Failed"));
+        g.gblnFaxTest = false;
+        DumpTestFaxBanner(QStringLiteral("*** Status: Test fax failed."));
+        g.gintFaxSendState = Idle;
+        g.glngFaxTicks = 0;
+        return;
+    }
+    ListStore &queue = m_lists.lvwSendFaxQue;
+    const qint16 attempts = CInt(Val(queue.text(1, kAttemptsColumn)));
+    m_lists.lvwHist[1].setText(1, kStatusColumn, QStringLiteral("Failed"));
+    g.glngFaxTicks = 0;
+    if (m_faxLine)
+        m_faxLine->endCall();
+    if (attempts >= 2) {
+        g.gintIconState = 2;
+        DBAddHistLvw(m_database, m_lists, 1);
+        m_link.Vantor32Reply(ViaFax, false);
+    } else {
+        queue.setText(1, kAttemptsColumn, QString::number(attempts + 1));
+        LVWSendFirstFaxQueueToLast(m_lists);
+    }
+    queue.remove(1);
+    m_tray.IconUpdate();
+    g.gintFaxSendState = Idle;
+}
+
+} // namespace osprel

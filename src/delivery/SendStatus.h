@@ -1,0 +1,64 @@
+#pragma once
+// Turns the e-mail and fax send states into what the user sees and into their consequences: the status of the
+// newest history row, retries, removal of a finished item from its queue, the history table, the tray state, the
+// queue timers, and the reply to the chamber program. Guarded against being re-entered from an event handled
+// while it runs. It takes the SMTP client's outcomes itself: each is recorded and refreshed at once.
+
+#include <QObject>
+
+namespace osprel {
+
+class AlertLink;
+class Database;
+class FaxLine;
+class FormLists;
+class FormTimers;
+class SmtpClient;
+class StatusPort;
+class TrayState;
+
+class SendStatus
+{
+public:
+    static constexpr int kEmailGiveUpTicks = 60;
+    static constexpr int kFaxCheckTicks = 10;
+    static constexpr int kFaxGiveUpTicks = 400;
+
+    SendStatus(FormLists &lists, FormTimers &timers, const Database &database, AlertLink &link, SmtpClient &smtp,
+               TrayState &tray, StatusPort &port);
+    ~SendStatus();
+    SendStatus(const SendStatus &) = delete;
+    SendStatus &operator=(const SendStatus &) = delete;
+
+    void setFaxLine(FaxLine *line) { m_faxLine = line; }
+
+    void SendStatUpdate();
+    bool isUpdating() const { return gblnStatusUpdating; }
+
+    // The history pages' clear buttons (0 e-mail, 1 fax): the list and its table are emptied.
+    void cmdClear_Click(int index);
+    // The queue pages' clear buttons (0 e-mail, 1 fax): the send queue and its status list are emptied.
+    void cmdClearQueue_Click(int index);
+
+private:
+    void emailSending();
+    void emailSent();
+    void emailFailed();
+    void faxSending();
+    void faxSent();
+    void faxFailed();
+    void rearmEmailQueue();
+
+    FormLists &m_lists;
+    FormTimers &m_timers;
+    const Database &m_database;
+    AlertLink &m_link;
+    SmtpClient &m_smtp;
+    TrayState &m_tray;
+    StatusPort &m_port;
+    FaxLine *m_faxLine = nullptr;
+    QMetaObject::Connection m_smtpOutcomes;
+    bool gblnStatusUpdating = false;
+};
+
+} // namespace osprel
