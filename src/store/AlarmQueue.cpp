@@ -53,7 +53,10 @@ void AlarmQueue::DBAddAlmMsg(const QString &ErrID, const QString &AlarmString, q
 bool AlarmQueue::storeInFreeSlot(const QString &ErrID, const QString &AlarmString, qint16 Catagory, qint16 Priority,
                                  const QString &HistData)
 {
-    QSqlQuery free = m_database.run(QStringLiteral("SELECT rowid FROM AlarmMsgs WHERE OverWrite = TRUE LIMIT 1"));
+    // The first free row in the pool's own order: without ORDER BY, SQLite would answer from the (OverWrite,
+    // Priority) index, and after the pool has cycled new alarms would no longer take the rows in arrival order.
+    QSqlQuery free =
+        m_database.run(QStringLiteral("SELECT rowid FROM AlarmMsgs WHERE OverWrite = TRUE ORDER BY rowid LIMIT 1"));
     if (!free.next())
         return false;
     const qint64 slot = free.value(0).toLongLong();

@@ -184,6 +184,34 @@ private Q_SLOTS:
         QCOMPARE(scalar("SELECT group_concat(ErrID) FROM AlarmMsgs WHERE OverWrite = FALSE"), QVariant("2,3"));
     }
 
+    // After a cycle of the whole pool with two levels, freed rows still carry their old level; the next alarms must
+    // still take the rows first to last, so that a report lists them in the order they came.
+    void aCycledPoolIsRefilledFromItsFirstRow()
+    {
+        m_lists->lvwEmailContacts.add(QStringList{"Doe", "Jo", "jo@lab"});
+        for (int i = 1; i <= kAlarmPoolSize; ++i)
+            m_queue->DBAddAlmMsg(QString::number(i), QStringLiteral("old"), 5002, qint16(1 + i % 2),
+                                 QStringLiteral("h"));
+        QCOMPARE(scalar("SELECT count(*) FROM AlarmMsgs WHERE OverWrite = FALSE"), kAlarmPoolSize);
+        m_queue->DBGetAlmMsg(1, 1);
+        m_queue->DBGetAlmMsg(2, 2);
+        QCOMPARE(scalar("SELECT count(*) FROM AlarmMsgs WHERE OverWrite = FALSE"), 0);
+
+        const int refill = kAlarmPoolSize / 2 + 10; // past the rows that the first level had held
+        QString expected;
+        for (int i = 1; i <= refill; ++i) {
+            m_queue->DBAddAlmMsg(QString::number(i), QStringLiteral("new %1").arg(i), 5002, 2, QStringLiteral("h"));
+            expected = QStringLiteral("new %1").arg(i) + kSeparator + expected; // a report lists the newest first
+        }
+        QCOMPARE(scalar("SELECT count(*) FROM AlarmMsgs WHERE OverWrite = FALSE AND ErrID <> rowid"), 0);
+        QCOMPARE(scalar("SELECT max(rowid) FROM AlarmMsgs WHERE OverWrite = FALSE"), refill);
+
+        m_lists->lvwSendEmailQue.clear();
+        m_queue->DBGetAlmMsg(2, 2);
+        QCOMPARE(m_lists->lvwSendEmailQue.text(1, 2),
+                 QStringLiteral("# Vantor 32 Daily Report #\r\n# Low Priority Setting #\r\n\r\n") + expected);
+    }
+
 private:
     QVariant scalar(const QByteArray &sql)
     {
