@@ -1,6 +1,8 @@
 #include "Database.h"
 
 #include "ErrorReport.h"
+#include "Log.h"
+#include "Migrations.h"
 #include "RunError.h"
 #include "Schema.h"
 
@@ -64,8 +66,24 @@ bool Database::DBInitADO(const QString &folder)
         }
         probe.finish();
         m_open = true;
+        if (!readOnly)
+            upgrade(database, existed);
     });
     return true;
+}
+
+// A file of an older version gains what this program adds; a failed upgrade leaves it as it was, and the server
+// works on with the tables it has.
+void Database::upgrade(QSqlDatabase &database, bool existed)
+{
+    guarded(QStringLiteral("DBUpgrade"), [&] {
+        const int from = schemaVersion(database);
+        migrate(database);
+        if (existed && from < currentSchemaVersion())
+            DumpStr(QStringLiteral("Database ") + m_path + QStringLiteral(" upgraded from version ") +
+                    QString::number(from) + QStringLiteral(" to ") + QString::number(currentSchemaVersion()) +
+                    QStringLiteral("."));
+    });
 }
 
 void Database::close()

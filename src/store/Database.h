@@ -36,6 +36,8 @@ public:
     qint64 firstRowId(const QString &table) const;
 
 private:
+    void upgrade(QSqlDatabase &database, bool existed);
+
     QString m_connectionName;
     QString m_path;
     bool m_open = false;

@@ -7,9 +7,12 @@
 #include "Globals.h"
 #include "HeadlessWindow.h"
 #include "Log.h"
+#include "Migrations.h"
+#include "Schema.h"
 #include "clsAlertCls.h"
 
 #include <QCryptographicHash>
+#include <QSqlQuery>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -83,6 +86,39 @@ private Q_SLOTS:
         server.unload(EmailFaxServer::ByCode);
         QCOMPARE(digest(path), before);
         QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
+    }
+
+    // A file from before versions were kept gains the current version in place and keeps every row; a file of a newer
+    // program is left at its version.
+    void olderAndNewerVersions()
+    {
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("EMAILFAX.MDE"));
+        for (int version : {0, currentSchemaVersion() + 5}) {
+            QFile::remove(path);
+            {
+                QSqlDatabase classic = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("classic"));
+                classic.setDatabaseName(path);
+                QVERIFY(classic.open());
+                createSchema(classic);
+                QSqlQuery query(classic);
+                QVERIFY(query.exec(QStringLiteral("INSERT INTO Contacts (LastName, FirstName) VALUES ('Old', 'Row')")));
+                QVERIFY(query.exec(QStringLiteral("PRAGMA user_version = ") + QString::number(version)));
+                classic.close();
+            }
+            QSqlDatabase::removeDatabase(QStringLiteral("classic"));
+
+            Log log(dir.path());
+            Database database;
+            database.DBInitADO(dir.path());
+            QVERIFY(database.isOpen());
+            QSqlQuery rows = database.run(QStringLiteral("SELECT count(*) FROM Contacts WHERE LastName = 'Old'"));
+            QVERIFY(rows.next());
+            QCOMPARE(rows.value(0).toInt(), 1);
+            QSqlQuery stored = database.run(QStringLiteral("PRAGMA user_version"));
+            QVERIFY(stored.next());
+            QCOMPARE(stored.value(0).toInt(), version == 0 ? currentSchemaVersion() : version);
+        }
     }
 
 private:

@@ -1,0 +1,75 @@
+#include "Migrations.h"
+
+#include "Database.h"
+#include "RunError.h"
+
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QVariant>
+
+namespace osprel {
+
+namespace {
+struct Migration
+{
+    int version;
+    // The statements that take a file from version - 1 to version; an existing table is never altered in a way
+    // that loses a row, and no other table is touched.
+    QStringList statements;
+};
+
+// Ordered: each later issue of the schema adds one entry at the end.
+const QList<Migration> &migrations()
+{
+    static const QList<Migration> list{
+        // 1: versions are kept; the classic tables are as they were.
+        {1, {}},
+    };
+    return list;
+}
+
+void exec(QSqlQuery &query, const QString &sql)
+{
+    if (!query.exec(sql))
+        raise(Err::ProviderError, query.lastError().text());
+}
+} // namespace
+
+int currentSchemaVersion()
+{
+    return migrations().constLast().version;
+}
+
+int schemaVersion(QSqlDatabase &database)
+{
+    QSqlQuery query(database);
+    exec(query, QStringLiteral("PRAGMA user_version"));
+    return query.next() ? query.value(0).toInt() : 0;
+}
+
+void migrate(QSqlDatabase &database)
+{
+    const int from = schemaVersion(database);
+    if (from >= currentSchemaVersion())
+        return;
+    if (!database.transaction())
+        raise(Err::ProviderError, database.lastError().text());
+    try {
+        QSqlQuery query(database);
+        for (const Migration &migration : migrations()) {
+            if (migration.version <= from)
+                continue;
+            for (const QString &statement : migration.statements)
+                exec(query, statement);
+        }
+        // PRAGMA takes no bound values; the version is a number of this program's own.
+        exec(query, QStringLiteral("PRAGMA user_version = ") + QString::number(currentSchemaVersion()));
+    } catch (...) {
+        database.rollback();
+        throw;
+    }
+    if (!database.commit())
+        raise(Err::ProviderError, database.lastError().text());
+}
+
+} // namespace osprel
