@@ -112,6 +112,20 @@ qint64 Database::firstRowId(const QString &table) const
     return row.value(0).toLongLong();
 }
 
+void inTransaction(QSqlDatabase &database, const std::function<void()> &work)
+{
+    if (!database.transaction())
+        raise(Err::ProviderError, database.lastError().text());
+    try {
+        work();
+    } catch (...) {
+        database.rollback();
+        throw;
+    }
+    if (!database.commit())
+        raise(Err::ProviderError, database.lastError().text());
+}
+
 void execBound(QSqlQuery &query, const QString &sql, const QVariantList &values)
 {
     if (!query.prepare(sql))

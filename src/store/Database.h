@@ -6,6 +6,7 @@
 #include <QSqlQuery>
 #include <QString>
 #include <QVariantList>
+#include <functional>
 
 namespace osprel {
 
@@ -42,6 +43,9 @@ private:
     QString m_path;
     bool m_open = false;
 };
+
+// Runs work in one transaction: committed when it returns, rolled back (and the error raised again) when it raises.
+void inTransaction(QSqlDatabase &database, const std::function<void()> &work);
 
 // Prepares sql on query, binds the values and runs it; raises a run-time error when either step fails.
 void execBound(QSqlQuery &query, const QString &sql, const QVariantList &values = {});

@@ -52,9 +52,7 @@ void migrate(QSqlDatabase &database)
     const int from = schemaVersion(database);
     if (from >= currentSchemaVersion())
         return;
-    if (!database.transaction())
-        raise(Err::ProviderError, database.lastError().text());
-    try {
+    inTransaction(database, [&] {
         QSqlQuery query(database);
         for (const Migration &migration : migrations()) {
             if (migration.version <= from)
@@ -64,12 +62,7 @@ void migrate(QSqlDatabase &database)
         }
         // PRAGMA takes no bound values; the version is a number of this program's own.
         exec(query, QStringLiteral("PRAGMA user_version = ") + QString::number(currentSchemaVersion()));
-    } catch (...) {
-        database.rollback();
-        throw;
-    }
-    if (!database.commit())
-        raise(Err::ProviderError, database.lastError().text());
+    });
 }
 
 } // namespace osprel

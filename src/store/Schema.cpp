@@ -59,9 +59,7 @@ const QStringList &historyColumns()
 
 void createSchema(QSqlDatabase &database, int poolSize)
 {
-    if (!database.transaction())
-        raise(Err::ProviderError, database.lastError().text());
-    try {
+    inTransaction(database, [&] {
         QSqlQuery query(database);
         for (const char *sql : kTables)
             execBound(query, QString::fromLatin1(sql));
@@ -90,12 +88,7 @@ void createSchema(QSqlDatabase &database, int poolSize)
             if (!query.exec())
                 raise(Err::ProviderError, query.lastError().text());
         }
-    } catch (...) {
-        database.rollback();
-        throw;
-    }
-    if (!database.commit())
-        raise(Err::ProviderError, database.lastError().text());
+    });
 }
 
 } // namespace osprel
