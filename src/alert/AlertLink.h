@@ -36,6 +36,8 @@ public:
     // The linked chamber program left the bus without unlinking: its object goes, and the link is free for the
     // chamber program when it comes back. The server keeps running, so nothing queued is lost.
     void linkedClientLeft(clsAlertCls *obj);
+    // The linked chamber program released its object without unlinking: the link is freed the same way.
+    void linkedObjectReleased(clsAlertCls *obj);
 
 Q_SIGNALS:
     // tmrServer found the link released: the window is to be unloaded by code.

@@ -21,7 +21,8 @@ constexpr int kTrayLeftButtonDoubleClick = 515;
 } // namespace
 
 EmailFaxServer::EmailFaxServer(Log &log, FormLists &lists, const Ports &ports, QObject *parent)
-    : QObject(parent), m_log(log), m_ports(ports), m_lists(lists), m_link(m_lists, m_timers), m_smtp(ports.email),
+    : QObject(parent), m_log(log), m_ports(ports), m_lists(lists), m_link(m_lists, m_timers),
+      m_journal(m_database, m_lists), m_smtp(ports.email),
       m_emailQueue(m_lists, m_timers, m_database, m_smtp, ports.email, ports.recipientsPage, ports.form),
       m_faxDevice(m_faxEngine, m_faxFinder, m_database, m_lists, ports.faxPage, ports.modemPanel),
       m_faxQueue(m_faxEngine, m_faxDevice, m_lists, m_timers, m_database, ports.faxPage, ports.modemPanel,
@@ -40,6 +41,7 @@ EmailFaxServer::EmailFaxServer(Log &log, FormLists &lists, const Ports &ports, Q
     recordSendStates(m_emailQueue, m_faxQueue);
     connect(&m_timers.TimerInit, &QTimer::timeout, this, &EmailFaxServer::TimerInit_Timer);
     connect(&m_link, &AlertLink::unloadRequested, this, [this] { unload(ByCode); });
+    connect(&m_journal, &QueueJournal::healthChanged, this, &EmailFaxServer::storeHealthChanged);
     m_timers.TimerInit.start(); // enabled at design: it runs from the moment the window exists
 }
 
@@ -62,6 +64,7 @@ void EmailFaxServer::Form_Load()
         m_lists.InitColHeaders();
         m_database.DBInitADO(g.gstrAppPath);
         DBInit(m_database, m_lists, m_ports.commSetup);
+        resumeQueues();
         m_priorities.DBInitAlarmCatSetup();
         m_priorities.DBInitAlarmPriSetup();
         m_alarms.InitLables();
@@ -86,6 +89,63 @@ void EmailFaxServer::Form_Load()
         g.gfrmServerForm = this;
     });
     m_loading = false;
+}
+
+// What the last run left in the queues goes back into them before any timer runs, and is delivered as usual.
+void EmailFaxServer::resumeQueues()
+{
+    const QueueJournal::Counts restored = m_journal.restore();
+    m_journal.attach();
+    if (restored.emails > 0)
+        switchOn(m_timers.TimerEmailMsgQue);
+    if (restored.faxes > 0)
+        switchOn(m_timers.TimerFaxMsgQue);
+    if (!m_database.writable())
+        m_journal.fail(m_database.isOpen() ? QStringLiteral("the file is read-only")
+                                           : QStringLiteral("the file could not be opened"));
+}
+
+void EmailFaxServer::storeHealthChanged(bool healthy, const QString &reason)
+{
+    g.gblnStoreFailed = !healthy;
+    if (!healthy)
+        m_ports.form.showPanelMessage(QStringLiteral("The database cannot be written (") + reason +
+                                      QStringLiteral("). Alerts are refused until it can."));
+    if (g.gblnServerLinked && m_link.server())
+        m_link.server()->SendServerStatus(IsSendInProgress() || g.gblnStoreFailed, reportedEmailState(),
+                                          reportedFaxState());
+}
+
+bool EmailFaxServer::isLinkedObject(const clsAlertCls *obj) const
+{
+    return obj && obj == m_link.server() && !g.gstrLinkedForm.isEmpty();
+}
+
+bool EmailFaxServer::takeAlert(const QString &text)
+{
+    if (!m_journal.healthy())
+        return false;
+    ListStore &incoming = m_lists.lvwMsgQue;
+    const int before = incoming.count();
+    m_link.m_objAlertServer_AlertReady(text);
+    const int row = incoming.count();
+    if (row == before)
+        return false;
+    if (!m_journal.isStored(incoming, row)) {
+        incoming.remove(row); // what cannot be kept is refused, not held in memory
+        return false;
+    }
+    return true;
+}
+
+void EmailFaxServer::whenStored(std::function<void(bool)> callback)
+{
+    m_database.whenCommitted(std::move(callback));
+}
+
+bool EmailFaxServer::queuesBusy() const
+{
+    return !m_lists.lvwMsgQue.isEmpty() || !m_lists.lvwSendEmailQue.isEmpty() || !m_lists.lvwSendFaxQue.isEmpty();
 }
 
 void EmailFaxServer::VersionControl()
@@ -148,6 +208,9 @@ bool EmailFaxServer::Form_Unload()
             return;
         }
         m_link.StopQueueTimers();
+        // An outcome already in is recorded; what is not yet delivered stays on disk for the next start.
+        m_sendStatus.SendStatUpdate();
+        m_journal.detach();
         m_database.close();
         if (m_smtp.wsockctlState() == 7)
             m_smtp.abort();

@@ -18,6 +18,7 @@
 #include "Ports.h"
 #include "PrioritySetup.h"
 #include "PriorityStore.h"
+#include "QueueJournal.h"
 #include "Recipients.h"
 #include "SendStatus.h"
 #include "ServerForm.h"
@@ -64,6 +65,11 @@ public:
     // ServerForm
     FormLists &lists() override { return m_lists; }
     bool Open_Link(clsAlertCls *obj) override { return m_link.Open_Link(obj); }
+    bool isLinkedObject(const clsAlertCls *obj) const override;
+    bool takeAlert(const QString &text) override;
+    void whenStored(std::function<void(bool)> callback) override;
+    bool queuesBusy() const override;
+    QueueJournal &journal() { return m_journal; }
     void setCategoryCaption(int index, const QString &caption) override;
 
     void Form_Load();
@@ -85,12 +91,17 @@ Q_SIGNALS:
     void finished();
 
 private:
+    void storeHealthChanged(bool healthy, const QString &reason);
+    void resumeQueues();
+
+private:
     Log &m_log;
     Ports m_ports;
     FormLists &m_lists;
     FormTimers m_timers;
     AlertLink m_link;
     Database m_database;
+    QueueJournal m_journal;
     SmtpClient m_smtp;
     EmailQueue m_emailQueue;
     FaxEngine m_faxEngine;

@@ -38,13 +38,25 @@ QString resolveDataFolder(const StartOptions &options)
     return folder;
 }
 
-std::unique_ptr<QLockFile> takeInstanceLock(const QString &folder)
+std::unique_ptr<QLockFile> takeInstanceLock(const QString &folder, QLockFile::LockError *error)
 {
     auto lock = std::make_unique<QLockFile>(folder + QStringLiteral("/osprel-emailfax.lock"));
     lock->setStaleLockTime(0); // a lock is stale only when the process that took it is gone
-    if (!lock->tryLock(0))
+    if (!lock->tryLock(0)) {
+        if (error)
+            *error = lock->error();
         return nullptr;
+    }
     return lock;
+}
+
+QString lockRefusalText(const QString &folder, QLockFile::LockError error)
+{
+    // Only a lock held by another copy means another copy; a folder that cannot be written says so.
+    if (error == QLockFile::LockFailedError)
+        return oneInstanceText();
+    return QStringLiteral("The data folder ") + folder +
+           QStringLiteral(" cannot be written ...\r\n...PROGRAM TERMINATING...");
 }
 
 QString applicationTitle()

@@ -20,8 +20,11 @@ StartOptions parseStartOptions(const QStringList &arguments);
 // --home DIR, else $OSPREL_HOME, else $XDG_DATA_HOME/osprel (~/.local/share/osprel); created when missing.
 QString resolveDataFolder(const StartOptions &options);
 
-// Takes the single-instance lock of a data folder; null when another instance holds it.
-std::unique_ptr<QLockFile> takeInstanceLock(const QString &folder);
+// Takes the single-instance lock of a data folder; null (with the reason in error) when another instance holds it or
+// the folder cannot be written.
+std::unique_ptr<QLockFile> takeInstanceLock(const QString &folder, QLockFile::LockError *error = nullptr);
+// The refusal for a lock that could not be taken: another instance, or a folder that cannot be written.
+QString lockRefusalText(const QString &folder, QLockFile::LockError error);
 
 QString applicationTitle();
 QString criticalTitle();

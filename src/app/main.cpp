@@ -40,9 +40,10 @@ int SubMain(QApplication &app)
         const StartOptions options = parseStartOptions(app.arguments());
         const QString folder = resolveDataFolder(options);
         // The single-instance test comes first, then the start mode.
-        const std::unique_ptr<QLockFile> lock = takeInstanceLock(folder);
+        QLockFile::LockError lockError = QLockFile::NoError;
+        const std::unique_ptr<QLockFile> lock = takeInstanceLock(folder, &lockError);
         if (!lock) {
-            criticalBox(oneInstanceText());
+            criticalBox(lockRefusalText(folder, lockError));
             return;
         }
         if (!options.automation) {
@@ -61,6 +62,7 @@ int SubMain(QApplication &app)
         QDBusConnection bus = QDBusConnection::sessionBus();
         BusServer busServer(bus);
         QObject::connect(&busServer, &BusServer::ownerLeft, &server.link(), &AlertLink::linkedClientLeft);
+        QObject::connect(&busServer, &BusServer::objectReleased, &server.link(), &AlertLink::linkedObjectReleased);
         QObject::connect(&busServer, &BusServer::busLost, &server,
                          [&server] { server.unload(EmailFaxServer::SystemShutdown); });
         ShutdownSignal shutdown;

@@ -1,6 +1,7 @@
 #include "SendStatus.h"
 
 #include "AlertLink.h"
+#include "Database.h"
 #include "ErrorReport.h"
 #include "FaxLine.h"
 #include "FormLists.h"
@@ -48,6 +49,8 @@ void SendStatus::SendStatUpdate()
         return;
     gblnStatusUpdating = true;
     guarded(QStringLiteral("SendStatUpdate"), [&] {
+        // A queue row leaves its table in the same commit that writes its history row.
+        m_database.beginBatch();
         m_tray.IconUpdate();
         switch (g.gintEmailSendState) {
         case Sending:

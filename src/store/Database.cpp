@@ -11,11 +11,17 @@
 #include <QSqlError>
 #include <QUuid>
 #include <QVariant>
+#include <utility>
 
 namespace osprel {
 
-Database::Database() : m_connectionName(QStringLiteral("osprel-") + QUuid::createUuid().toString(QUuid::WithoutBraces))
+Database::Database()
+    : m_connectionName(QStringLiteral("osprel-") + QUuid::createUuid().toString(QUuid::WithoutBraces)),
+      m_batch(std::make_unique<Batch>())
 {
+    m_batch->commit.setSingleShot(true);
+    m_batch->commit.setInterval(0);
+    m_batch->commit.callOnTimeout([this] { commitBatch(); });
 }
 
 Database::~Database()
@@ -29,14 +35,18 @@ bool Database::DBInitADO(const QString &folder)
     guarded(QStringLiteral("DBInitADO"), [&] {
         if (folder.isEmpty())
             raise(Err::PathNotFound);
+        m_folder = folder;
         m_path = folder + u'/' + QLatin1String(kFileName);
-        const bool existed = QFileInfo::exists(m_path);
+        // A file of no bytes holds no database: it is treated as missing, and the schema is created in it.
+        const QFileInfo file(m_path);
+        const bool present = file.exists();
+        const bool existed = present && file.size() > 0;
         QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connectionName);
         if (!database.isValid())
             raise(Err::ProviderError, QStringLiteral("Provider cannot be found. It may not be properly installed."));
         database.setDatabaseName(m_path);
         // A file whose owner may not write it is read-only, for every user: it is opened for reading only.
-        const bool readOnly = existed && !(QFileInfo(m_path).permissions() & QFileDevice::WriteOwner);
+        const bool readOnly = present && !(file.permissions() & QFileDevice::WriteOwner);
         if (readOnly)
             database.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
         if (!database.open())
@@ -48,11 +58,12 @@ bool Database::DBInitADO(const QString &folder)
             database.close();
             raise(Err::ProviderError, QStringLiteral("Unrecognized database format '") + m_path + QStringLiteral("'."));
         }
-        probe.exec(QStringLiteral("PRAGMA synchronous=NORMAL"));
+        // A commit reaches the disk before it is reported: an accepted alert survives a power cut.
+        probe.exec(QStringLiteral("PRAGMA synchronous=FULL"));
         probe.exec(QStringLiteral("PRAGMA busy_timeout=2000"));
-        if (!existed) {
-            // Every change is committed row by row; the write-ahead log keeps that cheap. It is set once, when the
-            // file is made: an existing file is never rewritten just by opening it.
+        if (!existed && !readOnly) {
+            // Changes are committed once per turn of the event loop; the write-ahead log keeps each commit to one
+            // flush. It is set when the file is made, or when an older file is upgraded.
             probe.exec(QStringLiteral("PRAGMA journal_mode=WAL"));
             probe.finish();
             try {
@@ -60,12 +71,14 @@ bool Database::DBInitADO(const QString &folder)
             } catch (...) {
                 // Only a file this call made is removed: nothing that was stored before is touched.
                 database.close();
-                QFile::remove(m_path);
+                if (!present)
+                    QFile::remove(m_path);
                 throw;
             }
         }
         probe.finish();
         m_open = true;
+        m_readOnly = readOnly;
         if (!readOnly)
             upgrade(database, existed);
     });
@@ -78,6 +91,10 @@ void Database::upgrade(QSqlDatabase &database, bool existed)
 {
     guarded(QStringLiteral("DBUpgrade"), [&] {
         const int from = schemaVersion(database);
+        if (from < currentSchemaVersion() && existed) {
+            QSqlQuery wal(database);
+            wal.exec(QStringLiteral("PRAGMA journal_mode=WAL"));
+        }
         migrate(database);
         if (existed && from < currentSchemaVersion())
             DumpStr(QStringLiteral("Database ") + m_path + QStringLiteral(" upgraded from version ") +
@@ -90,8 +107,68 @@ void Database::close()
 {
     if (!m_open)
         return;
+    commitBatch();
     m_open = false;
     QSqlDatabase::database(m_connectionName, false).close();
+}
+
+bool Database::writable() const
+{
+    return m_open && !m_readOnly && (QFileInfo(m_path).permissions() & QFileDevice::WriteOwner);
+}
+
+bool Database::reopenIfWritable()
+{
+    if (m_open && !m_readOnly)
+        return true;
+    // Only a file that opened for reading is tried again; one that did not open at all stays as it is.
+    if (!m_open || !(QFileInfo(m_path).permissions() & QFileDevice::WriteOwner))
+        return false;
+    close();
+    QSqlDatabase::removeDatabase(m_connectionName);
+    DBInitADO(m_folder);
+    return m_open && !m_readOnly;
+}
+
+void Database::beginBatch() const
+{
+    if (m_batch->open || !m_open)
+        return;
+    QSqlDatabase database = QSqlDatabase::database(m_connectionName, false);
+    if (!database.transaction())
+        raise(Err::ProviderError, database.lastError().text());
+    m_batch->open = true;
+    m_batch->commit.start();
+}
+
+void Database::whenCommitted(std::function<void(bool)> callback) const
+{
+    if (!m_batch->open) {
+        callback(true);
+        return;
+    }
+    m_batch->waiting.append(std::move(callback));
+}
+
+bool Database::commitBatch() const
+{
+    m_batch->commit.stop();
+    if (!m_batch->open)
+        return true;
+    m_batch->open = false;
+    QSqlDatabase database = QSqlDatabase::database(m_connectionName, false);
+    const bool committed = database.commit();
+    QString reason;
+    if (!committed) {
+        reason = database.lastError().text();
+        database.rollback();
+    }
+    const auto waiting = std::exchange(m_batch->waiting, {});
+    for (const auto &callback : waiting)
+        callback(committed);
+    if (!committed && m_batch->onFailure)
+        m_batch->onFailure(reason);
+    return committed;
 }
 
 QSqlQuery Database::run(const QString &sql, const QVariantList &values) const

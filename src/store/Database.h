@@ -5,8 +5,10 @@
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QString>
+#include <QTimer>
 #include <QVariantList>
 #include <functional>
+#include <memory>
 
 namespace osprel {
 
@@ -26,7 +28,25 @@ public:
     void close();
 
     bool isOpen() const { return m_open; }
+    bool isReadOnly() const { return m_readOnly; }
     const QString &path() const { return m_path; }
+    // Whether the file may be written now: open for writing, and its owner may still write it (a file made
+    // read-only while the server runs stays writable through the open connection; its mode says what is meant).
+    bool writable() const;
+    // A file opened read-only that has become writable is opened again for writing; true when it now is.
+    bool reopenIfWritable();
+
+    // Group commit. Changes made within one turn of the event loop share one transaction, committed (with one flush
+    // to disk) when control returns to the loop. beginBatch() opens it, if it is not open yet; statements run in
+    // the meantime by anyone join it. whenCommitted() calls back after that commit with its outcome (true at once
+    // when nothing is open). commitBatch() commits now (shutdown, tests); it returns false when the commit failed,
+    // in which case everything of the batch is rolled back.
+    void beginBatch() const;
+    bool inBatch() const { return m_batch->open; }
+    void whenCommitted(std::function<void(bool)> callback) const;
+    bool commitBatch() const;
+    // Told of every failed commit, with the reason, after the batch was rolled back.
+    void setCommitFailureHandler(std::function<void(const QString &)> handler) { m_batch->onFailure = std::move(handler); }
 
     // Runs one statement with its values bound; raises a run-time error when there is no connection or the
     // statement fails. Values are always bound, never pasted into the text.
@@ -39,9 +59,20 @@ public:
 private:
     void upgrade(QSqlDatabase &database, bool existed);
 
+    struct Batch
+    {
+        bool open = false;
+        QTimer commit;
+        QList<std::function<void(bool)>> waiting;
+        std::function<void(const QString &)> onFailure;
+    };
+
     QString m_connectionName;
+    QString m_folder;
     QString m_path;
     bool m_open = false;
+    bool m_readOnly = false;
+    std::unique_ptr<Batch> m_batch;
 };
 
 // Runs work in one transaction: committed when it returns, rolled back (and the error raised again) when it raises.

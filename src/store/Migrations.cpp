@@ -24,6 +24,12 @@ const QList<Migration> &migrations()
     static const QList<Migration> list{
         // 1: versions are kept; the classic tables are as they were.
         {1, {}},
+        // 2: the incoming, e-mail and fax queues are kept on disk, one row per list row, so that a restart
+        // resumes them. Columns holds the list row's columns as a JSON array of strings.
+        {2,
+         {QStringLiteral("CREATE TABLE IF NOT EXISTS QueueRows (Queue TEXT NOT NULL, Position REAL NOT NULL,"
+                         " Columns TEXT NOT NULL)"),
+          QStringLiteral("CREATE INDEX IF NOT EXISTS QueueRowsByPosition ON QueueRows (Queue, Position)")}},
     };
     return list;
 }

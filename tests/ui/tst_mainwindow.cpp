@@ -143,6 +143,7 @@ private Q_SLOTS:
     void categoryCaptionsComeFromTheChamberProgram()
     {
         clsAlertCls object;
+        QVERIFY(object.ServerCmd(QStringLiteral("V"), 1, QString()));
         QVERIFY(
             object.ServerCmd(QStringLiteral("V"), 5, QStringLiteral("Comm,Ctl,App,Resp,Parse,Chamber,Program,Status")));
         QCOMPARE(m_window->findChild<QLabel *>(QStringLiteral("lblErrCata(5)"))->text(), QStringLiteral("Chamber"));

@@ -39,6 +39,8 @@ Q_SIGNALS:
     void objectCreated(clsAlertCls *object);
     // A client left the bus; each of its objects is announced before it is released.
     void ownerLeft(clsAlertCls *object);
+    // A client released one of its objects.
+    void objectReleased(clsAlertCls *object);
     // The server's own bus connection is gone.
     void busLost();
 
