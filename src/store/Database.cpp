@@ -148,6 +148,10 @@ void Database::whenCommitted(std::function<void(bool)> callback) const
         return;
     }
     m_batch->waiting.append(std::move(callback));
+    // OSPREL_GROUP_COMMIT=0 commits at once, one flush per caller: for measuring what group commit saves.
+    static const bool grouped = qEnvironmentVariable("OSPREL_GROUP_COMMIT") != QLatin1String("0");
+    if (!grouped)
+        commitBatch();
 }
 
 bool Database::commitBatch() const
