@@ -6,10 +6,14 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusVariant>
+#include <QElapsedTimer>
+#include <QFileInfo>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
+#include <algorithm>
 #include <csignal>
+#include <vector>
 
 using osprel::ChamberClient;
 
@@ -143,6 +147,47 @@ private Q_SLOTS:
                  QStringLiteral("org.freedesktop.DBus.Error.AccessDenied"));
         QTest::qWait(50);
         QCOMPARE(second.events.size(), 0);
+    }
+
+    // Two chamber programs on one bus: only the linked one steers and hands in alerts; releasing its object frees the
+    // link; a 16 MB alert is refused at once and leaves the bus and the log as they were.
+    void onlyTheLinkedProgramSteers()
+    {
+        Client linked(*m_bus, QStringLiteral("linked")), other(*m_bus, QStringLiteral("other"));
+        QVERIFY(linked.create());
+        QVERIFY(other.create());
+        QVERIFY(linked.cmd(1));
+        for (qint16 command = 2; command <= 7; ++command)
+            QVERIFY2(!other.cmd(command, QStringLiteral("x")), qPrintable(QString::number(command)));
+        QVERIFY(!other.send(kAlert));
+        QVERIFY(m_bus->hasOwner(kService));
+        QVERIFY(linked.cmd(4, QStringLiteral("Oven"))); // the linked program still steers
+        QVERIFY(linked.send(kAlert));
+        QVERIFY(!linked.cmd(2)); // its alert still waits in a queue
+
+        QDBusMessage release = QDBusMessage::createMethodCall(
+            kService, QStringLiteral("/"), QStringLiteral("org.osprel.EmailFax.Factory"), QStringLiteral("Release"));
+        release << QVariant::fromValue(QDBusObjectPath(linked.chamber.objectPath()));
+        QCOMPARE(linked.connection.call(release).type(), QDBusMessage::ReplyMessage);
+        QTRY_VERIFY(log().contains("Chamber program Vantor32 released its alert object without unlinking; the link is "
+                                   "free for its return.\r\n"));
+        QVERIFY(other.cmd(1, QString(), QStringLiteral("Other")));
+
+        const QString huge(16 << 20, u'x');
+        QVERIFY(!other.send(huge));
+        QDBusConnection query = m_bus->connect(QStringLiteral("pinger"));
+        std::vector<qint64> pings;
+        for (int i = 0; i < 21; ++i) {
+            QElapsedTimer one;
+            one.start();
+            const QDBusMessage pong = query.call(QDBusMessage::createMethodCall(
+                kService, QStringLiteral("/"), QStringLiteral("org.freedesktop.DBus.Peer"), QStringLiteral("Ping")));
+            pings.push_back(one.nsecsElapsed());
+            QCOMPARE(pong.type(), QDBusMessage::ReplyMessage);
+        }
+        std::nth_element(pings.begin(), pings.begin() + 10, pings.end());
+        QVERIFY2(pings[10] < 10'000'000, qPrintable(QStringLiteral("median ping %1 ns").arg(pings[10])));
+        QVERIFY(QFileInfo(m_home->filePath(QStringLiteral("EMailFaxLog.txt"))).size() < 512000 + 4200);
     }
 
     void badInputNeverHurtsTheServer()
