@@ -25,6 +25,27 @@ QByteArray digest(const QString &path)
     return file.open(QIODevice::ReadOnly) ? QCryptographicHash::hash(file.readAll(), QCryptographicHash::Sha256)
                                           : QByteArray();
 }
+// Process-wide state as a new process has it, over folder.
+const QString &fresh(const QString &folder)
+{
+    resetGlobals();
+    g.gstrAppPath = folder;
+    return folder;
+}
+
+// The whole server loaded over a data folder, as at start-up, without a bus.
+struct Loaded
+{
+    explicit Loaded(const QString &folder) : log(fresh(folder)), server(log, lists, window.ports())
+    {
+        log.writeStartRecord(QString());
+        server.Form_Load();
+    }
+    Log log;
+    FormLists lists;
+    HeadlessWindow window;
+    EmailFaxServer server;
+};
 } // namespace
 
 class TestDatabaseFiles : public QObject
@@ -50,14 +71,9 @@ private Q_SLOTS:
         prepare(kind, dir.path(), path);
         const QByteArray before = digest(path);
 
-        resetGlobals();
-        g.gstrAppPath = dir.path();
-        Log log(dir.path());
-        log.writeStartRecord(QString());
-        FormLists lists;
-        HeadlessWindow window;
-        EmailFaxServer server(log, lists, window.ports());
-        server.Form_Load();
+        Loaded loaded(dir.path());
+        Log &log = loaded.log;
+        EmailFaxServer &server = loaded.server;
 
         const QStringList lines = log.lstStatus()->stringList();
         for (const QString &procedure : failing) {
@@ -101,14 +117,8 @@ private Q_SLOTS:
         empty.close();
         const auto alert = [](int id) { return QStringLiteral("%1|2;C;d;On;c;m;s;l|9;msg|1;2;3;4|5;6;7;8|5005|t").arg(id); };
         {
-            resetGlobals();
-            g.gstrAppPath = dir.path();
-            Log log(dir.path());
-            log.writeStartRecord(QString());
-            FormLists lists;
-            HeadlessWindow window;
-            EmailFaxServer server(log, lists, window.ports());
-            server.Form_Load();
+            Loaded loaded(dir.path());
+            EmailFaxServer &server = loaded.server;
             QVERIFY(QFileInfo(path).size() > 0);
             clsAlertCls chamber;
             QVERIFY(chamber.ServerCmd(QStringLiteral("V"), 1, QString()));
@@ -130,14 +140,10 @@ private Q_SLOTS:
             g.gblnServerLinked = false;
             server.unload(EmailFaxServer::ByCode);
         }
-        resetGlobals();
-        g.gstrAppPath = dir.path();
-        Log log(dir.path());
-        log.writeStartRecord(QString());
-        FormLists lists;
-        HeadlessWindow window;
-        EmailFaxServer server(log, lists, window.ports());
-        server.Form_Load();
+        Loaded loaded(dir.path());
+        Log &log = loaded.log;
+        FormLists &lists = loaded.lists;
+        EmailFaxServer &server = loaded.server;
         QCOMPARE(lists.lvwMsgQue.count(), 2);
         QCOMPARE(lists.lvwMsgQue.text(1, 2), alert(1));
         QCOMPARE(lists.lvwMsgQue.text(2, 2), alert(4));
