@@ -35,10 +35,13 @@ bool AlertLink::Open_Link(clsAlertCls *obj)
             dropServer();
             m_objAlertServer = obj;
             obj->AddRef();
+            connect(obj, &clsAlertCls::HeartbeatPromised, this, &AlertLink::heartbeat);
         }
         g.gblnServerLinked = !m_objAlertServer.isNull();
         switchOn(m_timers.tmrServer);
         result = g.gblnServerLinked;
+        if (result)
+            Q_EMIT linkOpened();
     });
     return result;
 }
@@ -132,8 +135,10 @@ void AlertLink::linkedClientLeft(clsAlertCls *obj)
     }
     DumpStr(QStringLiteral("Chamber program ") + g.gstrLinkedForm +
             QStringLiteral(" left without unlinking; the link is free for its return."));
+    const QString form = g.gstrLinkedForm;
     dropServer();
     g.gstrLinkedForm.clear();
+    Q_EMIT chamberStopped(form);
 }
 
 void AlertLink::linkedObjectReleased(clsAlertCls *obj)
@@ -142,8 +147,10 @@ void AlertLink::linkedObjectReleased(clsAlertCls *obj)
         return;
     DumpStr(QStringLiteral("Chamber program ") + g.gstrLinkedForm +
             QStringLiteral(" released its alert object without unlinking; the link is free for its return."));
+    const QString form = g.gstrLinkedForm;
     dropServer();
     g.gstrLinkedForm.clear();
+    Q_EMIT chamberStopped(form);
 }
 
 } // namespace osprel

@@ -42,6 +42,12 @@ public:
 Q_SIGNALS:
     // tmrServer found the link released: the window is to be unloaded by code.
     void unloadRequested();
+    // The linked chamber program went away without unlinking (left the bus or released its object).
+    void chamberStopped(const QString &formName);
+    // An object was linked (its form name is set once the link command returns).
+    void linkOpened();
+    // The linked chamber program promised its next heartbeat within `seconds`.
+    void heartbeat(quint32 seconds);
 
 private:
     FormLists &m_lists;

@@ -85,6 +85,18 @@ void clsAlertCls::whenStored(std::function<void(bool)> callback)
     g.gfrmServerForm->whenStored(std::move(callback));
 }
 
+bool clsAlertCls::Heartbeat(quint32 seconds)
+{
+    bool result = false;
+    guarded(QStringLiteral("Heartbeat"), [&] {
+        if (seconds == 0 || !serverForm().isLinkedObject(this))
+            return;
+        Q_EMIT HeartbeatPromised(seconds);
+        result = true;
+    });
+    return result;
+}
+
 qint64 maxAlertBytes()
 {
     bool ok = false;

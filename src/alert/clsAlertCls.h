@@ -22,6 +22,8 @@ public:
     // True when the alert is queued; it is on disk once whenStored() calls back with true.
     bool SendAlert(const QString &strAlertString);
     void whenStored(std::function<void(bool)> callback);
+    // The linked chamber program promises its next heartbeat within `seconds`; false from any other object.
+    bool Heartbeat(quint32 seconds);
     bool ServerCmd(const QString &strFormName, qint16 intCmd, const QVariant &CustomStr);
 
     // Internal raise methods: reachable from inside the server only.
@@ -34,6 +36,8 @@ Q_SIGNALS:
     void ServerStatus(bool blnBusy, qint16 intEmailStatus, qint16 intFaxStatus);
     void ServerClosing();
     void AlertReady(const QString &strAlertString);
+    // Inside the server only (not a bus event): a heartbeat promise from the linked object.
+    void HeartbeatPromised(quint32 seconds);
 
 private:
     // Commands 4 to 7: the heading word, the category captions, raw alerts, the alert labels.

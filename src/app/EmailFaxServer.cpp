@@ -34,7 +34,7 @@ EmailFaxServer::EmailFaxServer(Log &log, FormLists &lists, const Ports &ports, Q
                    [this] { m_sendStatus.SendStatUpdate(); }),
       m_recipients(m_lists, m_database, ports.recipientsPage, ports.contactEditor, ports.form, ports.form),
       m_prioritySetup(m_priorities, m_alarms, m_lists, m_timers, ports.alarmSetup, ports.priorityPage),
-      m_commSetup(m_database, ports.commSetup)
+      m_commSetup(m_database, ports.commSetup), m_supervision(m_lists, m_timers, ports.commSetup, m_link)
 {
     FaxDevice::configureFinder(m_faxFinder);
     m_sendStatus.setFaxLine(&m_faxQueue);

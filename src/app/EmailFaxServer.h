@@ -23,6 +23,7 @@
 #include "SendStatus.h"
 #include "ServerForm.h"
 #include "SmtpClient.h"
+#include "Supervision.h"
 #include "TrayState.h"
 
 #include <QObject>
@@ -70,6 +71,7 @@ public:
     void whenStored(std::function<void(bool)> callback) override;
     bool queuesBusy() const override;
     QueueJournal &journal() { return m_journal; }
+    Supervision &supervision() { return m_supervision; }
     void setCategoryCaption(int index, const QString &caption) override;
 
     void Form_Load();
@@ -116,6 +118,7 @@ private:
     Recipients m_recipients;
     PrioritySetup m_prioritySetup;
     CommSetup m_commSetup;
+    Supervision m_supervision;
     bool m_loading = false;
     bool m_unloaded = false;
 };

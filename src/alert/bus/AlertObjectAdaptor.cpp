@@ -51,6 +51,13 @@ bool AlertObjectAdaptor::ServerCmd(const QString &strFormName, short intCmd, con
     return m_object->ServerCmd(strFormName, intCmd, CustomStr.variant());
 }
 
+bool AlertObjectAdaptor::Heartbeat(uint seconds)
+{
+    if (!callerIsOwner() || !m_object)
+        return false;
+    return m_object->Heartbeat(seconds);
+}
+
 bool AlertObjectAdaptor::callerIsOwner()
 {
     if (!calledFromDBus() || message().service() == m_owner)
