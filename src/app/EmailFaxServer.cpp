@@ -258,9 +258,31 @@ void EmailFaxServer::Form_MouseMove(int x, int y)
     });
 }
 
+// A stop lets a message already on its way reach its outcome first (for at most kDrainMs), so that it is neither
+// cut off nor sent again at the next start. No new message is started meanwhile.
+bool EmailFaxServer::waitForSendInFlight(int mode)
+{
+    constexpr qint64 kDrainMs = 10000;
+    if (g.gintEmailSendState != 1 && g.gintFaxSendState != 1)
+        return false;
+    if (!m_draining.isValid()) {
+        m_draining.start();
+        m_timers.TimerMsgQue.stop();
+        m_timers.TimerEmailMsgQue.stop();
+        m_timers.TimerFaxMsgQue.stop();
+        DumpStr(QStringLiteral("Stopping once the message on its way has its outcome."));
+    }
+    if (m_draining.elapsed() >= kDrainMs)
+        return false;
+    QTimer::singleShot(10, this, [this, mode] { unload(mode); });
+    return true;
+}
+
 void EmailFaxServer::unload(int mode)
 {
     if (m_unloaded)
+        return;
+    if ((mode == ByCode || mode == SystemShutdown) && waitForSendInFlight(mode))
         return;
     if (Form_QueryUnload(mode))
         return;

@@ -26,6 +26,7 @@
 #include "Supervision.h"
 #include "TrayState.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 
 namespace osprel {
@@ -94,6 +95,7 @@ Q_SIGNALS:
 
 private:
     void storeHealthChanged(bool healthy, const QString &reason);
+    bool waitForSendInFlight(int mode);
     void resumeQueues();
 
 private:
@@ -121,6 +123,7 @@ private:
     Supervision m_supervision;
     bool m_loading = false;
     bool m_unloaded = false;
+    QElapsedTimer m_draining; // running while a stop waits for a message on its way
 };
 
 } // namespace osprel
