@@ -121,6 +121,11 @@ bool EmailFaxServer::Form_QueryUnload(int UnloadMode)
             g.gblnServerLinked = false;
             break;
         case CloseBox:
+            if (m_settingsOnly) {
+                // Nobody else needs this process: closing the settings window ends it.
+                g.gblnServerLinked = false;
+                break;
+            }
             // Closing by hand only hides the window: the server keeps running in the notification area.
             cancel = true;
             g.gblnServerLinked = true;

@@ -60,6 +60,9 @@ public:
     FaxDevice &faxDevice() { return m_faxDevice; }
     FaxQueue &faxQueue() { return m_faxQueue; }
     bool isLoading() const { return m_loading; }
+    // The window runs without a chamber program (--settings): closing it ends the program.
+    void setSettingsOnly(bool on) { m_settingsOnly = on; }
+    bool isSettingsOnly() const { return m_settingsOnly; }
 
     // ServerForm
     FormLists &lists() override { return m_lists; }
@@ -107,6 +110,7 @@ private:
     CommSetup m_commSetup;
     bool m_loading = false;
     bool m_unloaded = false;
+    bool m_settingsOnly = false;
 };
 
 } // namespace osprel

@@ -12,7 +12,11 @@ namespace osprel {
 struct StartOptions
 {
     bool automation = false; // started by the message bus to serve an alert object
+    bool settings = false;   // --settings: the window alone, or the running server's window
+    bool help = false;       // --help
+    bool version = false;    // --version
     QString home;            // --home DIR
+    QString error;           // an option not understood; empty when every argument was
 };
 
 StartOptions parseStartOptions(const QStringList &arguments);
@@ -23,9 +27,15 @@ QString resolveDataFolder(const StartOptions &options);
 // Takes the single-instance lock of a data folder; null when another instance holds it.
 std::unique_ptr<QLockFile> takeInstanceLock(const QString &folder);
 
+// What --help and --version print, without touching the data folder or the lock.
+QString helpText(const QString &program);
+QString versionLine(const QString &program);
+
 QString applicationTitle();
 QString criticalTitle();
 QString oneInstanceText();
 QString improperStartText();
+// Logged when the window runs without a chamber program (--settings).
+QString settingsOnlyText();
 
 } // namespace osprel

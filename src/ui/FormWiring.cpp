@@ -33,6 +33,8 @@ void wireWindow(MainWindow &window, EmailFaxServer &server)
     QObject::connect(&window, &MainWindow::closeRequested, &server, [&server](QCloseEvent *event) {
         if (server.Form_QueryUnload(EmailFaxServer::CloseBox))
             event->ignore();
+        else
+            server.unload(EmailFaxServer::ByCode); // the settings window alone: the program ends
     });
     QObject::connect(&window, &MainWindow::resized, &server, &EmailFaxServer::Form_Resize);
     QObject::connect(&window, &MainWindow::trayMessage, &server,

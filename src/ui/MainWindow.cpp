@@ -232,6 +232,15 @@ void MainWindow::setWindowImage(int image)
     setWindowIcon(imageListIcon(image));
 }
 
+void MainWindow::hideWindow()
+{
+    // Without a notification area a hidden window could not be brought back: it is minimised instead.
+    if (m_trayIcon->icon())
+        hide();
+    else
+        showMinimized();
+}
+
 void MainWindow::restoreWindow()
 {
     setWindowState(windowState() & ~(Qt::WindowMinimized | Qt::WindowMaximized));

@@ -52,7 +52,7 @@ public:
     void setCaption(const QString &caption) override { setWindowTitle(caption); }
     void SysTrayUpdate() override;
     void showWindow() override { show(); }
-    void hideWindow() override { hide(); }
+    void hideWindow() override;
     void restoreWindow() override;
     void trayAdd(const QString &tip) override;
     void trayRemove() override;

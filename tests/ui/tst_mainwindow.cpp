@@ -123,21 +123,36 @@ private Q_SLOTS:
     {
         QSignalSpy finished(m_server.get(), &EmailFaxServer::finished);
         m_window->close();
-        QVERIFY(!m_window->isVisible());
+        // The offscreen platform has no notification area: the window is minimised, not hidden for good.
+        QVERIFY(m_window->isVisible());
+        QVERIFY(m_window->isMinimized());
         QVERIFY(g.gblnServerLinked);      // the close box keeps the server linked
         QVERIFY(m_server->Form_Unload()); // cancelled while linked
         QCOMPARE(finished.count(), 0);
 
         m_server->Form_MouseMove(514, 3); // only a vertical coordinate of 0 is a tray message
         m_server->Form_MouseMove(600, 0);
-        QVERIFY(!m_window->isVisible());
+        QVERIFY(m_window->isMinimized());
         m_server->Form_MouseMove(515, 0);
         QVERIFY(m_window->isVisible());
+        QVERIFY(!m_window->isMinimized());
 
         m_server->unload(EmailFaxServer::ByCode);
         QCOMPARE(finished.count(), 1);
         QVERIFY(!g.gblnServerLinked);
         QCOMPARE(g.gfrmServerForm, nullptr);
+    }
+
+    // The window opened with --settings: shown without a chamber program, and closing it ends the program.
+    void settingsWindowEndsWhenClosed()
+    {
+        m_server->setSettingsOnly(true);
+        QSignalSpy finished(m_server.get(), &EmailFaxServer::finished);
+        QVERIFY(m_window->isVisible());
+        m_window->close();
+        QCOMPARE(finished.count(), 1);
+        QVERIFY(!m_window->isVisible());
+        QVERIFY(!g.gblnServerLinked);
     }
 
     void categoryCaptionsComeFromTheChamberProgram()
