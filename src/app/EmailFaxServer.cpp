@@ -61,6 +61,10 @@ void EmailFaxServer::Form_Load()
     guarded(QStringLiteral("Form_Load"), [&] {
         m_lists.InitColHeaders();
         m_database.DBInitADO(g.gstrAppPath);
+        if (!m_database.newerFileText().isEmpty()) {
+            m_ports.form.showMessage(QStringLiteral("Database Read-Only"), m_database.newerFileText());
+            m_ports.form.showPanelMessage(m_database.newerFileText());
+        }
         DBInit(m_database, m_lists, m_ports.commSetup);
         m_priorities.DBInitAlarmCatSetup();
         m_priorities.DBInitAlarmPriSetup();

@@ -30,13 +30,18 @@ bool Database::DBInitADO(const QString &folder)
         if (folder.isEmpty())
             raise(Err::PathNotFound);
         m_path = folder + u'/' + QLatin1String(kFileName);
-        const bool existed = QFileInfo::exists(m_path);
+        m_newerFileText.clear();
+        const QFileInfo info(m_path);
+        // An empty file is what an interrupted first start leaves: it is made like a missing one.
+        const bool existed = info.exists() && info.size() > 0;
+        if (!info.exists())
+            createPrivateFile(m_path);
         QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connectionName);
         if (!database.isValid())
             raise(Err::ProviderError, QStringLiteral("Provider cannot be found. It may not be properly installed."));
         database.setDatabaseName(m_path);
         // A file whose owner may not write it is read-only, for every user: it is opened for reading only.
-        const bool readOnly = existed && !(QFileInfo(m_path).permissions() & QFileDevice::WriteOwner);
+        bool readOnly = existed && !(QFileInfo(m_path).permissions() & QFileDevice::WriteOwner);
         if (readOnly)
             database.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
         if (!database.open())
@@ -47,6 +52,18 @@ bool Database::DBInitADO(const QString &folder)
         if (!probe.exec(QStringLiteral("SELECT count(*) FROM sqlite_master"))) {
             database.close();
             raise(Err::ProviderError, QStringLiteral("Unrecognized database format '") + m_path + QStringLiteral("'."));
+        }
+        if (existed && !readOnly && schemaVersion(database) > currentSchemaVersion()) {
+            // Written by a newer program: this one reads it, but writing could break what that program stored.
+            m_newerFileText = newerFileText(m_path, schemaVersion(database));
+            probe.finish();
+            database.close();
+            database.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
+            if (!database.open())
+                raise(Err::ProviderError, QStringLiteral("Could not open '") + m_path + QStringLiteral("': ") +
+                                              database.lastError().text());
+            readOnly = true;
+            DumpStr(m_newerFileText);
         }
         probe.exec(QStringLiteral("PRAGMA synchronous=NORMAL"));
         probe.exec(QStringLiteral("PRAGMA busy_timeout=2000"));
@@ -70,6 +87,26 @@ bool Database::DBInitADO(const QString &folder)
             upgrade(database, existed);
     });
     return true;
+}
+
+// The file holds names, addresses and fax numbers: it is made readable by its owner only, before the first byte is
+// written. SQLite gives its journal files the mode of the database file.
+void Database::createPrivateFile(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly, QFileDevice::ReadOwner | QFileDevice::WriteOwner))
+        raise(Err::PathFileAccessError, QStringLiteral("Could not create '") + path + QStringLiteral("': ") +
+                                            file.errorString());
+}
+
+QString Database::newerFileText(const QString &path, int version)
+{
+    return QStringLiteral("Database ") + path + QStringLiteral(" was written by a newer version of this program (schema ") +
+           QString::number(version) + QStringLiteral(", this program knows up to ") +
+           QString::number(currentSchemaVersion()) +
+           QStringLiteral("). It is opened read-only: changes to recipients and settings are not stored, and alarms "
+                          "held for summary reports are not kept. Install the newer version again, or restore a "
+                          "copy of the file made by this one.");
 }
 
 // A file of an older version gains what this program adds; a failed upgrade leaves it as it was, and the server

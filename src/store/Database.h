@@ -26,6 +26,9 @@ public:
     void close();
 
     bool isOpen() const { return m_open; }
+    // Not empty when the file was written by a newer version of the program and is therefore open read-only: the
+    // text that says so (it is in the log already; the window shows it too).
+    const QString &newerFileText() const { return m_newerFileText; }
     const QString &path() const { return m_path; }
 
     // Runs one statement with its values bound; raises a run-time error when there is no connection or the
@@ -38,10 +41,13 @@ public:
 
 private:
     void upgrade(QSqlDatabase &database, bool existed);
+    static void createPrivateFile(const QString &path);
+    static QString newerFileText(const QString &path, int version);
 
     QString m_connectionName;
     QString m_path;
     bool m_open = false;
+    QString m_newerFileText;
 };
 
 // Runs work in one transaction: committed when it returns, rolled back (and the error raised again) when it raises.
