@@ -143,6 +143,51 @@ private Q_SLOTS:
         QCOMPARE(g.gfrmServerForm, nullptr);
     }
 
+    // Every panel can be left: Cancel on the modem panel works with nothing changed, another page closes a panel,
+    // and so does Escape.
+    void overlayPanelsHaveAWayOut()
+    {
+        auto *tabs = m_window->findChild<QTabBar *>(QStringLiteral("SSTab1"));
+        tabs->setCurrentIndex(3);
+        auto *modem = m_window->findChild<QWidget *>(QStringLiteral("picAdvModemSetup"));
+        QTest::mouseClick(m_window->findChild<QPushButton *>(QStringLiteral("cmdAdvSetup")), Qt::LeftButton);
+        QVERIFY(modem->isVisible());
+        auto *cancel = m_window->findChild<QPushButton *>(QStringLiteral("cmdCancelModemSetup"));
+        QVERIFY(cancel->isEnabled());
+        QVERIFY(!m_window->findChild<QPushButton *>(QStringLiteral("cmdAcceptModemSetup"))->isEnabled());
+        QTest::mouseClick(cancel, Qt::LeftButton);
+        QVERIFY(!modem->isVisible());
+        QCOMPARE(visiblePages(), QStringList{QStringLiteral("Frame1(3)")});
+
+        QTest::mouseClick(m_window->findChild<QPushButton *>(QStringLiteral("cmdAdvSetup")), Qt::LeftButton);
+        tabs->setCurrentIndex(5);
+        QVERIFY(!modem->isVisible());
+        QCOMPARE(visiblePages(), QStringList{QStringLiteral("Frame1(5)")});
+
+        tabs->setCurrentIndex(0);
+        auto *status = m_window->findChild<QWidget *>(QStringLiteral("picStatus"));
+        QTest::mouseClick(m_window->findChild<QPushButton *>(QStringLiteral("cmdStatus")), Qt::LeftButton);
+        QVERIFY(status->isVisible());
+        m_window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+        QTest::keyClick(m_window.get(), Qt::Key_Escape);
+        QVERIFY(!status->isVisible());
+        QCOMPARE(visiblePages(), QStringList{QStringLiteral("Frame1(0)")});
+    }
+
+    // A history column widens to show its longest text, and never narrows below its design width.
+    void columnsWidenToTheirContent()
+    {
+        auto *history = m_window->findChild<QTableView *>(QStringLiteral("lvwHist(0)"));
+        const int designWidth = history->columnWidth(1);
+        const QString time = QStringLiteral("11/23/2026  04:15:59"), status = QStringLiteral("Attempt 3 Failed");
+        m_server->lists().lvwHist[0].add(QStringList{time, status});
+        const QFontMetrics metrics = history->fontMetrics();
+        QTRY_VERIFY(history->columnWidth(1) > metrics.horizontalAdvance(status));
+        QVERIFY(history->columnWidth(0) > metrics.horizontalAdvance(time));
+        QVERIFY(history->columnWidth(1) >= designWidth);
+    }
+
     // The window opened with --settings: shown without a chamber program, and closing it ends the program.
     void settingsWindowEndsWhenClosed()
     {
