@@ -5,6 +5,7 @@
 #include "ErrorReport.h"
 #include "Globals.h"
 #include "Log.h"
+#include "QueueRoutines.h"
 #include "RecipientString.h"
 #include "SendStates.h"
 #include "TimeScale.h"
@@ -37,14 +38,23 @@ EmailFaxServer::EmailFaxServer(Log &log, FormLists &lists, const Ports &ports, Q
 {
     FaxDevice::configureFinder(m_faxFinder);
     m_sendStatus.setFaxLine(&m_faxQueue);
+    connect(&m_faxQueue, &FaxQueue::sendingStarted, this, [this] { m_sendStatus.noteFaxReason(QString()); });
+    connect(&m_faxQueue, &FaxQueue::finished, this,
+            [this](const SendOutcome &outcome) { m_sendStatus.noteFaxReason(outcome.reason); });
     recordSendStates(m_emailQueue, m_faxQueue);
     connect(&m_timers.TimerInit, &QTimer::timeout, this, &EmailFaxServer::TimerInit_Timer);
     connect(&m_link, &AlertLink::unloadRequested, this, [this] { unload(ByCode); });
     m_timers.TimerInit.start(); // enabled at design: it runs from the moment the window exists
+    // An alert that goes to nobody leaves a trace: one line in the log and the status line.
+    setUnreachedSink([this](const QString &text) {
+        DumpStr(text);
+        m_ports.form.showPanelMessage(text);
+    });
 }
 
 EmailFaxServer::~EmailFaxServer()
 {
+    setUnreachedSink(nullptr);
     if (g.gfrmServerForm == this)
         g.gfrmServerForm = nullptr;
 }

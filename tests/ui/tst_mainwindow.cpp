@@ -5,10 +5,12 @@
 #include "Globals.h"
 #include "Log.h"
 #include "MainWindow.h"
+#include "Dispatcher.h"
 #include "clsAlertCls.h"
 
 #include <QFrame>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTabBar>
@@ -186,6 +188,42 @@ private Q_SLOTS:
         QTRY_VERIFY(history->columnWidth(1) > metrics.horizontalAdvance(status));
         QVERIFY(history->columnWidth(0) > metrics.horizontalAdvance(time));
         QVERIFY(history->columnWidth(1) >= designWidth);
+    }
+
+    // Why a send failed, as the transport said it, stands beside "Send Failed" and on the history row.
+    void aFailedSendShowsItsReason()
+    {
+        const QString reason = QStringLiteral("550 5.1.1 <nobody@lab.example>: mailbox unavailable");
+        g.gblnEmailTest = true;
+        Q_EMIT m_server->smtp().finished(SendOutcome::failed(reason));
+        QCOMPARE(m_window->findChild<QLineEdit *>(QStringLiteral("txtTestEmailProg"))->text(),
+                 QStringLiteral("Send Failed: ") + reason);
+
+        FormLists &lists = m_server->lists();
+        lists.lvwHist[0].insert(1, QStringList{QStringLiteral("11/23/2026  04:15:59"), QStringLiteral("Sending")});
+        lists.lvwSendEmailQue.add(QStringList{QStringLiteral("11/23/2026  04:15:59")});
+        g.glngEmailAttempts = 2; // the third attempt
+        Q_EMIT m_server->smtp().finished(SendOutcome::failed(reason));
+        QCOMPARE(lists.lvwHist[0].text(1, 2), QStringLiteral("Attempt 3 Failed"));
+        auto *history = m_window->findChild<QTableView *>(QStringLiteral("lvwHist(0)"));
+        QTRY_COMPARE(history->model()->rowCount(), 1);
+        QCOMPARE(history->model()->index(0, 1).data(Qt::ToolTipRole).toString(), reason);
+    }
+
+    // An alert with nobody to go to is logged once and shown in the status line.
+    void anAlertThatReachesNobodyLeavesATrace()
+    {
+        clsAlertCls chamber;
+        QVERIFY(chamber.ServerCmd(QStringLiteral("V"), 1, QString()));
+        QVERIFY(chamber.SendAlert(QStringLiteral("41|4;Chamber 4;d;On;c;m;s;l|9;CH1 high|1;2;3;4|5;6;7;8|5|t")));
+        m_server->dispatcher().TimerMsgQue_Timer();
+        m_server->dispatcher().TimerMsgQue_Timer(); // an empty queue adds nothing
+        const QString text = QStringLiteral("Alert 41 (Chamber 4) reached nobody: no e-mail recipients, fax is "
+                                            "switched off.");
+        QCOMPARE(m_log->lstStatus()->stringList().count(text), 1);
+        QCOMPARE(m_window->findChild<QLabel *>(QStringLiteral("lblMessagePanel"))->text(), text);
+        QCOMPARE(m_server->lists().lvwSendEmailQue.count(), 0);
+        g.gblnServerLinked = false;
     }
 
     // The window opened with --settings: shown without a chamber program, and closing it ends the program.
