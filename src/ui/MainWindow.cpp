@@ -59,9 +59,12 @@ MainWindow::MainWindow(FormLists &lists, Log &log, QWidget *parent) : QWidget(pa
     topLayout->addWidget(m_SSTab1);
     topLayout->addWidget(m_pageArea, 1);
     split->addWidget(top);
-    split->addWidget(m_queues);
+    // The queues scroll too, so that on a small screen the page above keeps most of the height.
+    auto *queues = new PageScroll(m_queues, split);
+    split->addWidget(queues);
     split->setStretchFactor(0, 3);
     split->setStretchFactor(1, 2);
+    split->setCollapsible(0, false);
 
     m_statusLine = new StatusLine(log, this);
     auto *layout = new QVBoxLayout(this);
