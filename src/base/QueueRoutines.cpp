@@ -21,16 +21,16 @@ UnreachedSink &unreachedSink()
 // Why a message went nowhere, for the log and the status line.
 QString unreachedText(const SendSwitches &switches, const FormLists &lists, const SendJob &job)
 {
-    const QString email = !switches.chkEnableEmail()           ? QStringLiteral("e-mail is switched off")
-                          : lists.lvwEmailContacts.isEmpty()   ? QStringLiteral("no e-mail recipients")
-                                                               : QString();
-    const QString fax = !switches.chkEnableFax()          ? QStringLiteral("fax is switched off")
-                        : lists.lvwFaxContacts.isEmpty()  ? QStringLiteral("no fax recipients")
-                                                          : QString();
-    const QString what = job.alertNumber == QLatin1String("*")
-                             ? QStringLiteral("Summary report ") + job.chamberName
-                             : QStringLiteral("Alert ") + job.alertNumber + QStringLiteral(" (") + job.chamberName +
-                                   QStringLiteral(")");
+    const QString email = !switches.chkEnableEmail()         ? QStringLiteral("e-mail is switched off")
+                          : lists.lvwEmailContacts.isEmpty() ? QStringLiteral("no e-mail recipients")
+                                                             : QString();
+    const QString fax = !switches.chkEnableFax()         ? QStringLiteral("fax is switched off")
+                        : lists.lvwFaxContacts.isEmpty() ? QStringLiteral("no fax recipients")
+                                                         : QString();
+    const QString what =
+        job.alertNumber == QLatin1String("*")
+            ? QStringLiteral("Summary report ") + job.chamberName
+            : QStringLiteral("Alert ") + job.alertNumber + QStringLiteral(" (") + job.chamberName + QStringLiteral(")");
     return what + QStringLiteral(" reached nobody: ") + email + QStringLiteral(", ") + fax + u'.';
 }
 } // namespace

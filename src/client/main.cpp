@@ -44,10 +44,8 @@ int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("osprel-client"));
-    QCoreApplication::setApplicationVersion(QStringLiteral("%1.%2.%3")
-                                                .arg(OSPREL_VERSION_MAJOR)
-                                                .arg(OSPREL_VERSION_MINOR)
-                                                .arg(OSPREL_VERSION_PATCH));
+    QCoreApplication::setApplicationVersion(
+        QStringLiteral("%1.%2.%3").arg(OSPREL_VERSION_MAJOR).arg(OSPREL_VERSION_MINOR).arg(OSPREL_VERSION_PATCH));
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "Talks to the Osprel EmailFax server as a chamber program does: creates an alert object, links with "

@@ -122,8 +122,8 @@ void SendStatus::emailSending()
         DumpStr(QStringLiteral("EMail Status: Error: no outcome after ") + QString::number(kEmailGiveUpTicks) +
                     QStringLiteral(" status checks.  Aborting."),
                 Log::EmailList);
-        m_emailReason = QStringLiteral("no outcome after ") + QString::number(kEmailGiveUpTicks) +
-                        QStringLiteral(" status checks");
+        m_emailReason =
+            QStringLiteral("no outcome after ") + QString::number(kEmailGiveUpTicks) + QStringLiteral(" status checks");
         g.gintEmailSendState = Failed;
         g.glngEmailTicks = 0;
         m_smtp.abort(); // closes the socket and sets SmtpState to 0
@@ -211,8 +211,8 @@ void SendStatus::faxSending()
     }
     if (g.glngFaxTicks >= kFaxGiveUpTicks) {
         g.gintFaxSendState = Failed;
-        m_faxReason = QStringLiteral("no outcome after ") + QString::number(kFaxGiveUpTicks) +
-                      QStringLiteral(" status checks");
+        m_faxReason =
+            QStringLiteral("no outcome after ") + QString::number(kFaxGiveUpTicks) + QStringLiteral(" status checks");
     }
     if (g.gblnFaxTest)
         m_port.setTxtTestFaxProg(QString::number(g.glngFaxTicks) + QStringLiteral("Sending... "));

@@ -95,15 +95,15 @@ void Database::createPrivateFile(const QString &path)
 {
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly, QFileDevice::ReadOwner | QFileDevice::WriteOwner))
-        raise(Err::PathFileAccessError, QStringLiteral("Could not create '") + path + QStringLiteral("': ") +
-                                            file.errorString());
+        raise(Err::PathFileAccessError,
+              QStringLiteral("Could not create '") + path + QStringLiteral("': ") + file.errorString());
 }
 
 QString Database::newerFileText(const QString &path, int version)
 {
-    return QStringLiteral("Database ") + path + QStringLiteral(" was written by a newer version of this program (schema ") +
-           QString::number(version) + QStringLiteral(", this program knows up to ") +
-           QString::number(currentSchemaVersion()) +
+    return QStringLiteral("Database ") + path +
+           QStringLiteral(" was written by a newer version of this program (schema ") + QString::number(version) +
+           QStringLiteral(", this program knows up to ") + QString::number(currentSchemaVersion()) +
            QStringLiteral("). It is opened read-only: changes to recipients and settings are not stored, and alarms "
                           "held for summary reports are not kept. Install the newer version again, or restore a "
                           "copy of the file made by this one.");

@@ -76,8 +76,7 @@ MainWindow::MainWindow(FormLists &lists, Log &log, QWidget *parent) : QWidget(pa
         leaveOverlays();
         TabSet(m_SSTab1->tabText(index));
     });
-    connect(new QShortcut(QKeySequence(Qt::Key_Escape), this), &QShortcut::activated, this,
-            &MainWindow::leaveOverlays);
+    connect(new QShortcut(QKeySequence(Qt::Key_Escape), this), &QShortcut::activated, this, &MainWindow::leaveOverlays);
     connect(m_history[0]->cmdStatus, &QPushButton::clicked, this,
             [this] { openOverlay(m_picStatus, m_history[0]->cmdStatus->text()); });
     connect(m_picStatus->cmdStatusClose, &QPushButton::clicked, this, [this] { closeOverlay(m_picStatus); });

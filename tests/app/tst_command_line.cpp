@@ -46,12 +46,11 @@ private Q_SLOTS:
         QTest::addColumn<int>("exitCode");
         QTest::addColumn<QString>("expected");
         QTest::newRow("help") << "osprel-emailfax" << QStringList{"--help"} << 0 << "OSPREL_TIME_SCALE";
-        QTest::newRow("help beside --automation") << "osprel-emailfax" << QStringList{"--automation", "-h"} << 0
-                                                  << "dbus-update-activation-environment";
+        QTest::newRow("help beside --automation")
+            << "osprel-emailfax" << QStringList{"--automation", "-h"} << 0 << "dbus-update-activation-environment";
         QTest::newRow("version") << "osprel-emailfax" << QStringList{"--version"} << 0 << "osprel-emailfax 1.0.0";
         QTest::newRow("unknown option") << "osprel-emailfax" << QStringList{"--settngs"} << 2 << "--settngs";
         QTest::newRow("client version") << "osprel-client" << QStringList{"--version"} << 0 << "osprel-client 1.0.0";
-        QTest::newRow("client help") << "osprel-client" << QStringList{"--help"} << 0 << "--unlink";
     }
     void helpAndVersionAnswerWithoutADataFolder()
     {

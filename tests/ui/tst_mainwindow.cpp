@@ -1,11 +1,11 @@
 // The main window driven headless: load, the list layouts, page switching, closing to the tray and unloading.
 
+#include "Dispatcher.h"
 #include "EmailFaxServer.h"
 #include "FormWiring.h"
 #include "Globals.h"
 #include "Log.h"
 #include "MainWindow.h"
-#include "Dispatcher.h"
 #include "clsAlertCls.h"
 
 #include <QFrame>
