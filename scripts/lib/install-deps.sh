@@ -9,6 +9,7 @@ packages=(
     dbus-daemon dbus-bin
     python3-dbus-next python3-aiosmtpd
     libtiff-dev libspandsp-dev libtiff-tools efax fonts-dejavu-core
+    dpkg-dev lintian desktop-file-utils man-db file binutils gzip
     "$@"
 )
 

@@ -5,6 +5,7 @@
 #include "ErrorReport.h"
 #include "Globals.h"
 #include "Log.h"
+#include "QueueRoutines.h"
 #include "RecipientString.h"
 #include "SendStates.h"
 #include "TimeScale.h"
@@ -38,15 +39,24 @@ EmailFaxServer::EmailFaxServer(Log &log, FormLists &lists, const Ports &ports, Q
 {
     FaxDevice::configureFinder(m_faxFinder);
     m_sendStatus.setFaxLine(&m_faxQueue);
+    connect(&m_faxQueue, &FaxQueue::sendingStarted, this, [this] { m_sendStatus.noteFaxReason(QString()); });
+    connect(&m_faxQueue, &FaxQueue::finished, this,
+            [this](const SendOutcome &outcome) { m_sendStatus.noteFaxReason(outcome.reason); });
     recordSendStates(m_emailQueue, m_faxQueue);
     connect(&m_timers.TimerInit, &QTimer::timeout, this, &EmailFaxServer::TimerInit_Timer);
     connect(&m_link, &AlertLink::unloadRequested, this, [this] { unload(ByCode); });
     connect(&m_journal, &QueueJournal::healthChanged, this, &EmailFaxServer::storeHealthChanged);
     m_timers.TimerInit.start(); // enabled at design: it runs from the moment the window exists
+    // An alert that goes to nobody leaves a trace: one line in the log and the status line.
+    setUnreachedSink([this](const QString &text) {
+        DumpStr(text);
+        m_ports.form.showPanelMessage(text);
+    });
 }
 
 EmailFaxServer::~EmailFaxServer()
 {
+    setUnreachedSink(nullptr);
     if (g.gfrmServerForm == this)
         g.gfrmServerForm = nullptr;
 }
@@ -63,6 +73,10 @@ void EmailFaxServer::Form_Load()
     guarded(QStringLiteral("Form_Load"), [&] {
         m_lists.InitColHeaders();
         m_database.DBInitADO(g.gstrAppPath);
+        if (!m_database.newerFileText().isEmpty()) {
+            m_ports.form.showMessage(QStringLiteral("Database Read-Only"), m_database.newerFileText());
+            m_ports.form.showPanelMessage(m_database.newerFileText());
+        }
         DBInit(m_database, m_lists, m_ports.commSetup);
         resumeQueues();
         m_priorities.DBInitAlarmCatSetup();
@@ -101,14 +115,16 @@ void EmailFaxServer::resumeQueues()
     if (restored.faxes > 0)
         switchOn(m_timers.TimerFaxMsgQue);
     if (!m_database.writable())
-        m_journal.fail(m_database.isOpen() ? QStringLiteral("the file is read-only")
-                                           : QStringLiteral("the file could not be opened"));
+        m_journal.fail(!m_database.newerFileText().isEmpty() ? QStringLiteral("it was written by a newer version")
+                       : m_database.isOpen()                 ? QStringLiteral("the file is read-only")
+                                                             : QStringLiteral("the file could not be opened"));
 }
 
 void EmailFaxServer::storeHealthChanged(bool healthy, const QString &reason)
 {
     g.gblnStoreFailed = !healthy;
-    if (!healthy)
+    // A file of a newer version has said so in the window already, in more words.
+    if (!healthy && m_database.newerFileText().isEmpty())
         m_ports.form.showPanelMessage(QStringLiteral("The database cannot be written (") + reason +
                                       QStringLiteral("). Alerts are refused until it can."));
     if (g.gblnServerLinked && m_link.server())
@@ -181,6 +197,11 @@ bool EmailFaxServer::Form_QueryUnload(int UnloadMode)
             g.gblnServerLinked = false;
             break;
         case CloseBox:
+            if (m_settingsOnly) {
+                // Nobody else needs this process: closing the settings window ends it.
+                g.gblnServerLinked = false;
+                break;
+            }
             // Closing by hand only hides the window: the server keeps running in the notification area.
             cancel = true;
             g.gblnServerLinked = true;

@@ -63,6 +63,9 @@ public:
     FaxDevice &faxDevice() { return m_faxDevice; }
     FaxQueue &faxQueue() { return m_faxQueue; }
     bool isLoading() const { return m_loading; }
+    // The window runs without a chamber program (--settings): closing it ends the program.
+    void setSettingsOnly(bool on) { m_settingsOnly = on; }
+    bool isSettingsOnly() const { return m_settingsOnly; }
 
     // ServerForm
     FormLists &lists() override { return m_lists; }
@@ -124,6 +127,7 @@ private:
     bool m_loading = false;
     bool m_unloaded = false;
     QElapsedTimer m_draining; // running while a stop waits for a message on its way
+    bool m_settingsOnly = false;
 };
 
 } // namespace osprel

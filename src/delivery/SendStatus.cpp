@@ -26,6 +26,11 @@ enum SendState : qint16 { Idle = 0, Sending = 1, Sent = 3, Failed = 4 };
 enum EmailFax : qint16 { ViaEmail = 1, ViaFax = 2 };
 constexpr int kStatusColumn = 2;
 constexpr int kAttemptsColumn = 5;
+
+QString failedText(const QString &reason)
+{
+    return reason.isEmpty() ? QStringLiteral("Send Failed") : QStringLiteral("Send Failed: ") + reason;
+}
 } // namespace
 
 SendStatus::SendStatus(FormLists &lists, FormTimers &timers, const Database &database, AlertLink &link,
@@ -33,6 +38,7 @@ SendStatus::SendStatus(FormLists &lists, FormTimers &timers, const Database &dat
     : m_lists(lists), m_timers(timers), m_database(database), m_link(link), m_smtp(smtp), m_tray(tray), m_port(port)
 {
     m_smtpOutcomes = QObject::connect(&m_smtp, &SmtpClient::finished, &m_smtp, [this](const SendOutcome &outcome) {
+        m_emailReason = outcome.reason;
         recordEmailOutcome(outcome);
         SendStatUpdate();
     });
@@ -119,6 +125,8 @@ void SendStatus::emailSending()
         DumpStr(QStringLiteral("EMail Status: Error: no outcome after ") + QString::number(kEmailGiveUpTicks) +
                     QStringLiteral(" status checks.  Aborting."),
                 Log::EmailList);
+        m_emailReason =
+            QStringLiteral("no outcome after ") + QString::number(kEmailGiveUpTicks) + QStringLiteral(" status checks");
         g.gintEmailSendState = Failed;
         g.glngEmailTicks = 0;
         m_smtp.abort(); // closes the socket and sets SmtpState to 0
@@ -158,7 +166,7 @@ void SendStatus::emailFailed()
 {
     g.glngEmailTicks = 0;
     if (g.gblnEmailTest) {
-        m_port.setTxtTestEmailProg(QStringLiteral("Send Failed"));
+        m_port.setTxtTestEmailProg(failedText(m_emailReason));
         g.gblnEmailTest = false;
         DumpTestEmailBanner(QStringLiteral("*** Status: Test email failed."));
         g.gintEmailSendState = Idle;
@@ -167,6 +175,8 @@ void SendStatus::emailFailed()
     }
     m_smtp.abort();
     ListStore &history = m_lists.lvwHist[0];
+    if (!history.isEmpty())
+        history.setNote(1, m_emailReason);
     if (g.glngEmailAttempts < 2) {
         history.setText(1, kStatusColumn, QStringLiteral("Attempt %1 Failed").arg(g.glngEmailAttempts + 1));
         g.glngEmailAttempts += 1;
@@ -198,10 +208,15 @@ void SendStatus::faxSending()
 {
     g.glngFaxTicks += 1;
     // A call that has not reached the sending state after ten checks has failed; none takes 400.
-    if (g.glngFaxTicks >= kFaxCheckTicks && (!m_faxLine || m_faxLine->faxStatus() != 2))
+    if (g.glngFaxTicks >= kFaxCheckTicks && (!m_faxLine || m_faxLine->faxStatus() != 2)) {
         g.gintFaxSendState = Failed;
-    if (g.glngFaxTicks >= kFaxGiveUpTicks)
+        m_faxReason = QStringLiteral("the call did not reach the sending state");
+    }
+    if (g.glngFaxTicks >= kFaxGiveUpTicks) {
         g.gintFaxSendState = Failed;
+        m_faxReason =
+            QStringLiteral("no outcome after ") + QString::number(kFaxGiveUpTicks) + QStringLiteral(" status checks");
+    }
     if (g.gblnFaxTest)
         m_port.setTxtTestFaxProg(QString::number(g.glngFaxTicks) + QStringLiteral("Sending... "));
 }
@@ -233,7 +248,7 @@ void SendStatus::faxSent()
 void SendStatus::faxFailed()
 {
     if (g.gblnFaxTest) {
-        m_port.setTxtTestFaxProg(QStringLiteral("Send Failed"));
+        m_port.setTxtTestFaxProg(failedText(m_faxReason));
         g.gblnFaxTest = false;
         DumpTestFaxBanner(QStringLiteral("*** Status: Test fax failed."));
         g.gintFaxSendState = Idle;
@@ -243,6 +258,7 @@ void SendStatus::faxFailed()
     ListStore &queue = m_lists.lvwSendFaxQue;
     const qint16 attempts = CInt(Val(queue.text(1, kAttemptsColumn)));
     m_lists.lvwHist[1].setText(1, kStatusColumn, QStringLiteral("Failed"));
+    m_lists.lvwHist[1].setNote(1, m_faxReason);
     g.glngFaxTicks = 0;
     if (m_faxLine)
         m_faxLine->endCall();

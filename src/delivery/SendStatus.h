@@ -31,6 +31,8 @@ public:
     SendStatus &operator=(const SendStatus &) = delete;
 
     void setFaxLine(FaxLine *line) { m_faxLine = line; }
+    // Why the fax in progress failed, as the fax queue reported it (e-mail outcomes are taken from the client).
+    void noteFaxReason(const QString &reason) { m_faxReason = reason; }
 
     void SendStatUpdate();
     bool isUpdating() const { return gblnStatusUpdating; }
@@ -59,6 +61,9 @@ private:
     FaxLine *m_faxLine = nullptr;
     QMetaObject::Connection m_smtpOutcomes;
     bool gblnStatusUpdating = false;
+    // The reason of the latest failure, shown beside "Send Failed" and as the history row's tooltip.
+    QString m_emailReason;
+    QString m_faxReason;
 };
 
 } // namespace osprel

@@ -215,18 +215,18 @@ bool Recipients::editContact(const RecipientRec &rec)
     return filed;
 }
 
-// A person is on the e-mail list when they have an e-mail address, and on the fax list when they have a fax
-// number: the old row goes, and the person is filed again under the new names and address.
+// An edit keeps the person's place on the e-mail and fax lists: somebody on a list is filed again there under the
+// new names and address (and leaves it when the address was emptied); somebody who was not on it stays off.
 bool Recipients::refileAddress(int listType, const QString &oldLast, const QString &oldFirst, const RecipientRec &rec)
 {
     ListStore &list = listType == EmailList ? m_lists.lvwEmailContacts : m_lists.lvwFaxContacts;
     const QString &address = listType == EmailList ? rec.EmailName : rec.FaxNumber;
     const int old = findRow(list, oldLast, oldFirst);
-    if (old)
-        list.remove(old);
+    if (!old)
+        return true;
+    list.remove(old);
     if (address.isEmpty()) {
-        if (old)
-            DBEditRecipient(m_database, listType == EmailList ? DisableEmail : DisableFax, rec);
+        DBEditRecipient(m_database, listType == EmailList ? DisableEmail : DisableFax, rec);
         return true;
     }
     RecipientRec filed = rec;

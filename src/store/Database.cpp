@@ -37,16 +37,20 @@ bool Database::DBInitADO(const QString &folder)
             raise(Err::PathNotFound);
         m_folder = folder;
         m_path = folder + u'/' + QLatin1String(kFileName);
-        // A file of no bytes holds no database: it is treated as missing, and the schema is created in it.
+        m_newerFileText.clear();
+        // A file of no bytes holds no database (an interrupted first start leaves one): it is made like a missing
+        // one, with the schema created in it.
         const QFileInfo file(m_path);
         const bool present = file.exists();
         const bool existed = present && file.size() > 0;
+        if (!present)
+            createPrivateFile(m_path);
         QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connectionName);
         if (!database.isValid())
             raise(Err::ProviderError, QStringLiteral("Provider cannot be found. It may not be properly installed."));
         database.setDatabaseName(m_path);
         // A file whose owner may not write it is read-only, for every user: it is opened for reading only.
-        const bool readOnly = present && !(file.permissions() & QFileDevice::WriteOwner);
+        bool readOnly = present && !(file.permissions() & QFileDevice::WriteOwner);
         if (readOnly)
             database.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
         if (!database.open())
@@ -57,6 +61,18 @@ bool Database::DBInitADO(const QString &folder)
         if (!probe.exec(QStringLiteral("SELECT count(*) FROM sqlite_master"))) {
             database.close();
             raise(Err::ProviderError, QStringLiteral("Unrecognized database format '") + m_path + QStringLiteral("'."));
+        }
+        if (existed && !readOnly && schemaVersion(database) > currentSchemaVersion()) {
+            // Written by a newer program: this one reads it, but writing could break what that program stored.
+            m_newerFileText = newerFileText(m_path, schemaVersion(database));
+            probe.finish();
+            database.close();
+            database.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
+            if (!database.open())
+                raise(Err::ProviderError, QStringLiteral("Could not open '") + m_path + QStringLiteral("': ") +
+                                              database.lastError().text());
+            readOnly = true;
+            DumpStr(m_newerFileText);
         }
         // A commit reaches the disk before it is reported: an accepted alert survives a power cut.
         probe.exec(QStringLiteral("PRAGMA synchronous=FULL"));
@@ -83,6 +99,26 @@ bool Database::DBInitADO(const QString &folder)
             upgrade(database, existed);
     });
     return true;
+}
+
+// The file holds names, addresses and fax numbers: it is made readable by its owner only, before the first byte is
+// written. SQLite gives its journal files the mode of the database file.
+void Database::createPrivateFile(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly, QFileDevice::ReadOwner | QFileDevice::WriteOwner))
+        raise(Err::PathFileAccessError,
+              QStringLiteral("Could not create '") + path + QStringLiteral("': ") + file.errorString());
+}
+
+QString Database::newerFileText(const QString &path, int version)
+{
+    return QStringLiteral("Database ") + path +
+           QStringLiteral(" was written by a newer version of this program (schema ") + QString::number(version) +
+           QStringLiteral(", this program knows up to ") + QString::number(currentSchemaVersion()) +
+           QStringLiteral("). It is opened read-only: changes to recipients and settings are not stored, and alarms "
+                          "held for summary reports are not kept. Install the newer version again, or restore a "
+                          "copy of the file made by this one.");
 }
 
 // A file of an older version gains what this program adds; a failed upgrade leaves it as it was, and the server

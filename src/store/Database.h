@@ -29,6 +29,9 @@ public:
 
     bool isOpen() const { return m_open; }
     bool isReadOnly() const { return m_readOnly; }
+    // Not empty when the file was written by a newer version of the program and is therefore open read-only: the
+    // text that says so (it is in the log already; the window shows it too).
+    const QString &newerFileText() const { return m_newerFileText; }
     const QString &path() const { return m_path; }
     // Whether the file may be written now: open for writing, and its owner may still write it (a file made
     // read-only while the server runs stays writable through the open connection; its mode says what is meant).
@@ -58,6 +61,8 @@ public:
 
 private:
     void upgrade(QSqlDatabase &database, bool existed);
+    static void createPrivateFile(const QString &path);
+    static QString newerFileText(const QString &path, int version);
 
     struct Batch
     {
@@ -73,6 +78,7 @@ private:
     bool m_open = false;
     bool m_readOnly = false;
     std::unique_ptr<Batch> m_batch;
+    QString m_newerFileText;
 };
 
 // Runs work in one transaction: committed when it returns, rolled back (and the error raised again) when it raises.

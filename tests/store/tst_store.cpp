@@ -94,10 +94,12 @@ private Q_SLOTS:
         QCOMPARE(scalar("SELECT count(*) FROM EmailHistory"), 50);
         QCOMPARE(scalar("SELECT Time FROM EmailHistory ORDER BY rowid LIMIT 1"), QVariant("t52"));
         QCOMPARE(scalar("SELECT count(*) FROM FaxHistory"), 100);
-        // Both histories fill the first list, the e-mail rows first.
-        QCOMPARE(m_lists->lvwHist[0].count(), 150);
-        QCOMPARE(m_lists->lvwHist[0].text(1), QStringLiteral("t52"));
-        QCOMPARE(m_lists->lvwHist[0].text(51), QStringLiteral("f1"));
+        // Each history fills its own list, newest first.
+        QCOMPARE(m_lists->lvwHist[0].count(), 50);
+        QCOMPARE(m_lists->lvwHist[0].text(1), QStringLiteral("t101"));
+        QCOMPARE(m_lists->lvwHist[0].text(50), QStringLiteral("t52"));
+        QCOMPARE(m_lists->lvwHist[1].count(), 100);
+        QCOMPARE(m_lists->lvwHist[1].text(1), QStringLiteral("f100"));
         QCOMPARE(m_lists->lvwHist[0].text(1, 3), QString()); // a null column is an empty sub-item
 
         QCOMPARE(m_port.settings.txtMailServer, QStringLiteral("mail:2525"));

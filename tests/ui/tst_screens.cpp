@@ -111,12 +111,68 @@ private Q_SLOTS:
         checkLists({"O'Hara|Patricia|patricia@lab.example|5551234567"}, {"O'Hara|Patricia|patricia@lab.example"},
                    {"O'Hara|Patricia|5551234567"});
 
+        // Delete asks first: No keeps the person, Yes removes them everywhere.
         tab(QStringLiteral("Recipients"));
         selectContact(1);
         click("cmdDelete");
+        QVERIFY(answer(QMessageBox::No).contains(QLatin1String("Patricia O'Hara")));
+        QCOMPARE(contactRows().size(), 1);
+        click("cmdDelete");
+        answer(QMessageBox::Yes);
         QCOMPARE(contactRows(), QStringList());
         checkLists({}, {}, {});
         QCOMPARE(g.gstrEmailRecipients, QString());
+    }
+
+    // An edit keeps the person where they were: off a list they had been taken from, on one they were on.
+    void anEditKeepsListMembership()
+    {
+        tab(QStringLiteral("Recipients"));
+        click("cmdNew");
+        fill({"Lan", "Nguyen", "lan@lab.example", "555", "123", "0001"});
+        click("cmdContactsOK");
+        selectContact(1);
+        click("cmdAddEmailAdr");
+        click("cmdAddFaxAdr");
+        auto *faxList = m_window->findChild<QTableView *>(QStringLiteral("lvwFaxContacts"));
+        QTest::mouseClick(faxList->viewport(), Qt::LeftButton, {},
+                          faxList->visualRect(faxList->model()->index(0, 0)).center());
+        click("cmdRemFaxAdr");
+        checkLists({"Nguyen|Lan|lan@lab.example|5551230001"}, {"Nguyen|Lan|lan@lab.example"}, {});
+
+        selectContact(1);
+        click("cmdEdit");
+        QTest::keyClicks(m_window->findChild<QLineEdit *>(QStringLiteral("txtContactsNotes")), QStringLiteral("Day"));
+        click("cmdContactsOK");
+        QCOMPARE(label("lblContactErr"), QString());
+        checkLists({"Nguyen|Lan|lan@lab.example|5551230001"}, {"Nguyen|Lan|lan@lab.example"}, {});
+        QCOMPARE(contactRows(), QStringList{QStringLiteral("Nguyen|Lan|lan@lab.example|5551230001|1|0")});
+        stop();
+        start();
+        checkLists({"Nguyen|Lan|lan@lab.example|5551230001"}, {"Nguyen|Lan|lan@lab.example"}, {});
+    }
+
+    // Clearing a history asks first, and only when there is something to clear; after a restart the history is
+    // newest first, as it was while running.
+    void clearHistoryAsksAndHistoryKeepsItsOrder()
+    {
+        for (const char *time : {"11/21/2026  08:00:00", "11/21/2026  09:00:00"})
+            m_server->database().run(QStringLiteral("INSERT INTO EmailHistory (Time, Status) VALUES (?, 'Sent')"),
+                                     {QString::fromLatin1(time)});
+        stop();
+        start();
+        auto *history = m_window->findChild<QTableView *>(QStringLiteral("lvwHist(0)"));
+        QTRY_COMPARE(history->model()->rowCount(), 2);
+        QCOMPARE(history->model()->index(0, 0).data().toString(), QStringLiteral("11/21/2026  09:00:00"));
+
+        click("cmdClear(0)");
+        QVERIFY(answer(QMessageBox::No).contains(QLatin1String("2 rows")));
+        QCOMPARE(scalar("SELECT count(*) FROM EmailHistory"), QVariant(2));
+        click("cmdClear(0)");
+        answer(QMessageBox::Yes);
+        QCOMPARE(scalar("SELECT count(*) FROM EmailHistory"), QVariant(0));
+        click("cmdClear(0)"); // nothing left: no question
+        QVERIFY(!m_window->findChild<QMessageBox *>(QStringLiteral("confirmBox")));
     }
 
     void alarmSetupAcceptAndCancel()
@@ -226,6 +282,18 @@ private:
         m_window.reset();
         m_lists.reset();
         m_log.reset();
+    }
+    // Answers the open confirmation box; returns its question.
+    QString answer(QMessageBox::StandardButton button)
+    {
+        auto *box = m_window->findChild<QMessageBox *>(QStringLiteral("confirmBox"));
+        if (!box)
+            return QStringLiteral("no confirmation box");
+        const QString question = box->text();
+        QTest::mouseClick(box->button(button), Qt::LeftButton);
+        if (!QTest::qWaitFor([this] { return !m_window->findChild<QMessageBox *>(QStringLiteral("confirmBox")); }))
+            return QStringLiteral("the confirmation box stayed");
+        return question;
     }
     QWidget *widget(const char *name) const { return m_window->findChild<QWidget *>(QLatin1String(name)); }
     QString label(const char *name) const { return m_window->findChild<QLabel *>(QLatin1String(name))->text(); }

@@ -43,6 +43,8 @@ Q_SIGNALS:
     void objectReleased(clsAlertCls *object);
     // The server's own bus connection is gone.
     void busLost();
+    // Somebody on the bus asked for the window (osprel-emailfax --settings while this server runs).
+    void showWindowRequested();
 
 private:
     void dropObject(const QString &path);

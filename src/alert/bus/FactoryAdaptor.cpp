@@ -21,4 +21,9 @@ void FactoryAdaptor::Release(const QDBusObjectPath &object)
         sendErrorReply(error, text);
 }
 
+void FactoryAdaptor::ShowWindow()
+{
+    Q_EMIT m_server.showWindowRequested();
+}
+
 } // namespace osprel
