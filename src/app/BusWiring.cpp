@@ -5,13 +5,16 @@
 
 namespace osprel {
 
-void wireBus(BusServer &busServer, EmailFaxServer &server)
+void wireBus(BusServer &busServer, EmailFaxServer &server, bool headless)
 {
     QObject::connect(&busServer, &BusServer::ownerLeft, &server.link(), &AlertLink::linkedClientLeft);
     QObject::connect(&busServer, &BusServer::objectReleased, &server.link(), &AlertLink::linkedObjectReleased);
     QObject::connect(&busServer, &BusServer::busLost, &server,
                      [&server] { server.unload(EmailFaxServer::SystemShutdown); });
-    QObject::connect(&busServer, &BusServer::showWindowRequested, &server, &EmailFaxServer::mPopRestore_Click);
+    busServer.setWindowShower([&server, headless] {
+        server.mPopRestore_Click();
+        return !headless;
+    });
 }
 
 } // namespace osprel

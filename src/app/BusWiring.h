@@ -7,6 +7,7 @@ namespace osprel {
 class BusServer;
 class EmailFaxServer;
 
-void wireBus(BusServer &busServer, EmailFaxServer &server);
+// headless: the server runs without a display (offscreen), so a shown window is seen by nobody.
+void wireBus(BusServer &busServer, EmailFaxServer &server, bool headless);
 
 } // namespace osprel

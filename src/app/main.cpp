@@ -36,18 +36,22 @@ void criticalBox(const QString &text)
         QMessageBox::critical(nullptr, criticalTitle(), text, QMessageBox::Ok);
 }
 
-// Asks a server already on the session bus to show its window. False when none runs (the bus does not start one
-// for this call) or it did not answer.
-bool askRunningServerToShowWindow()
+enum class RunningServer { None, Shown, Headless };
+
+// Asks a server already on the session bus to show its window. None when no server runs (the bus does not start
+// one for this call) or it did not answer; Headless when it runs without a display.
+RunningServer askRunningServerToShowWindow()
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected())
-        return false;
+        return RunningServer::None;
     QDBusMessage call = QDBusMessage::createMethodCall(bus::kService, bus::kFactoryPath, bus::kFactoryInterface,
                                                        QStringLiteral("ShowWindow"));
     call.setAutoStartService(false);
     const QDBusMessage reply = bus.call(call, QDBus::Block, 5000);
-    return reply.type() == QDBusMessage::ReplyMessage;
+    if (reply.type() != QDBusMessage::ReplyMessage)
+        return RunningServer::None;
+    return reply.arguments().value(0).toBool() ? RunningServer::Shown : RunningServer::Headless;
 }
 
 // The window over the data folder without a chamber program: no bus name, no alert objects. Closing the window
@@ -72,9 +76,21 @@ int SubMain(QApplication &app, const StartOptions &options)
     int exitCode = 1;
     guarded(QStringLiteral("Sub Main"), [&] {
         resetGlobals();
-        if (options.settings && !options.automation && askRunningServerToShowWindow()) {
-            exitCode = 0;
-            return;
+        if (options.settings && !options.automation) {
+            switch (askRunningServerToShowWindow()) {
+            case RunningServer::Shown:
+                exitCode = 0;
+                return;
+            case RunningServer::Headless:
+                std::fputs("osprel-emailfax: the running server has no display to show its window on: it was started "
+                           "without DISPLAY or WAYLAND_DISPLAY. Hand them to the bus with\n"
+                           "  dbus-update-activation-environment --systemd DISPLAY WAYLAND_DISPLAY\n"
+                           "and the server started next shows its window.\n",
+                           stderr);
+                return;
+            case RunningServer::None:
+                break;
+            }
         }
         const QString folder = resolveDataFolder(options);
         // The single-instance test comes first, then the start mode.
@@ -103,7 +119,7 @@ int SubMain(QApplication &app, const StartOptions &options)
 
         QDBusConnection bus = QDBusConnection::sessionBus();
         BusServer busServer(bus);
-        wireBus(busServer, server);
+        wireBus(busServer, server, QGuiApplication::platformName() == QLatin1String("offscreen"));
         ShutdownSignal shutdown;
         QObject::connect(&shutdown, &ShutdownSignal::requested, &server,
                          [&server] { server.unload(EmailFaxServer::SystemShutdown); });

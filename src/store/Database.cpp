@@ -62,16 +62,18 @@ bool Database::DBInitADO(const QString &folder)
             database.close();
             raise(Err::ProviderError, QStringLiteral("Unrecognized database format '") + m_path + QStringLiteral("'."));
         }
-        if (existed && !readOnly && schemaVersion(database) > currentSchemaVersion()) {
+        if (existed && schemaVersion(database) > currentSchemaVersion()) {
             // Written by a newer program: this one reads it, but writing could break what that program stored.
             m_newerFileText = newerFileText(m_path, schemaVersion(database));
-            probe.finish();
-            database.close();
-            database.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
-            if (!database.open())
-                raise(Err::ProviderError, QStringLiteral("Could not open '") + m_path + QStringLiteral("': ") +
-                                              database.lastError().text());
-            readOnly = true;
+            if (!readOnly) {
+                probe.finish();
+                database.close();
+                database.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
+                if (!database.open())
+                    raise(Err::ProviderError, QStringLiteral("Could not open '") + m_path + QStringLiteral("': ") +
+                                                  database.lastError().text());
+                readOnly = true;
+            }
             DumpStr(m_newerFileText);
         }
         // A commit reaches the disk before it is reported: an accepted alert survives a power cut.

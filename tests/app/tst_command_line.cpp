@@ -103,9 +103,17 @@ private Q_SLOTS:
         bus.setServerPid(bus.pidOf(kService));
     }
 
-    // With a server on the bus, --settings brings that server's window up and leaves.
+    // With a server on the bus, --settings brings that server's window up and leaves; a server without a display
+    // says so, since its window would be seen by nobody.
+    void settingsAsksTheRunningServerForItsWindow_data()
+    {
+        QTest::addColumn<bool>("headless");
+        QTest::newRow("on a display") << false;
+        QTest::newRow("without a display") << true;
+    }
     void settingsAsksTheRunningServerForItsWindow()
     {
+        QFETCH(bool, headless);
         resetGlobals();
         QTemporaryDir home;
         g.gstrAppPath = home.path();
@@ -119,7 +127,7 @@ private Q_SLOTS:
         QString error;
         QVERIFY2(bus.start(&error), qPrintable(error));
         BusServer busServer(bus.connect(QStringLiteral("server")));
-        wireBus(busServer, server);
+        wireBus(busServer, server, headless);
         QVERIFY2(busServer.start(&error), qPrintable(error));
         window.close();
         QVERIFY(!window.isVisible() || window.isMinimized());
@@ -131,7 +139,8 @@ private Q_SLOTS:
         settings.start(program("osprel-emailfax"), {QStringLiteral("--settings")});
         // The event loop turns while the other process waits for this server's answer.
         QTRY_COMPARE_WITH_TIMEOUT(settings.state(), QProcess::NotRunning, 20000);
-        QCOMPARE(settings.exitCode(), 0);
+        QCOMPARE(settings.exitCode(), headless ? 1 : 0);
+        QCOMPARE(settings.readAllStandardError().contains("has no display"), headless);
         QVERIFY(window.isVisible());
         QVERIFY(!window.isMinimized());
         busServer.stop();

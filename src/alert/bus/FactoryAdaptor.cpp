@@ -21,9 +21,9 @@ void FactoryAdaptor::Release(const QDBusObjectPath &object)
         sendErrorReply(error, text);
 }
 
-void FactoryAdaptor::ShowWindow()
+bool FactoryAdaptor::ShowWindow()
 {
-    Q_EMIT m_server.showWindowRequested();
+    return m_server.showWindow();
 }
 
 } // namespace osprel

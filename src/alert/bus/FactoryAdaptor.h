@@ -20,8 +20,9 @@ public:
 public Q_SLOTS:
     QDBusObjectPath CreateObject();
     void Release(const QDBusObjectPath &object);
-    // Brings the server's window up (the settings window asked for from the command line).
-    void ShowWindow();
+    // Brings the server's window up (the settings window asked for from the command line); false when the server
+    // has no display to show it on.
+    bool ShowWindow();
 
 private:
     BusServer &m_server;
