@@ -35,8 +35,15 @@ EmailFaxServer::EmailFaxServer(Log &log, FormLists &lists, const Ports &ports, Q
                    [this] { m_sendStatus.SendStatUpdate(); }),
       m_recipients(m_lists, m_database, ports.recipientsPage, ports.contactEditor, ports.form, ports.form),
       m_prioritySetup(m_priorities, m_alarms, m_lists, m_timers, ports.alarmSetup, ports.priorityPage),
-      m_commSetup(m_database, ports.commSetup), m_supervision(m_lists, m_timers, ports.commSetup, m_link)
+      m_commSetup(m_database, ports.commSetup), m_supervision(m_lists, m_timers, ports.commSetup, m_link),
+      m_fallback(m_lists, m_timers, ports.commSetup)
 {
+    m_sendStatus.setFinalFailureHandler([this](int via, const QStringList &row) {
+        if (via == 1) // e-mail
+            m_fallback.emailFailedForGood(row);
+        else
+            m_fallback.faxFailedForGood(row);
+    });
     FaxDevice::configureFinder(m_faxFinder);
     m_sendStatus.setFaxLine(&m_faxQueue);
     connect(&m_faxQueue, &FaxQueue::sendingStarted, this, [this] { m_sendStatus.noteFaxReason(QString()); });

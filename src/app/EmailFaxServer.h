@@ -9,6 +9,7 @@
 #include "Database.h"
 #include "Dispatcher.h"
 #include "EmailQueue.h"
+#include "Fallback.h"
 #include "FaxDevice.h"
 #include "FaxEngine.h"
 #include "FaxFinder.h"
@@ -124,6 +125,7 @@ private:
     PrioritySetup m_prioritySetup;
     CommSetup m_commSetup;
     Supervision m_supervision;
+    Fallback m_fallback;
     bool m_loading = false;
     bool m_unloaded = false;
     QElapsedTimer m_draining; // running while a stop waits for a message on its way

@@ -183,14 +183,18 @@ void SendStatus::emailFailed()
         switchOn(m_timers.TimerEmailMsgQue);
     } else {
         history.setText(1, kStatusColumn, QStringLiteral("Attempt 3 Failed"));
+        QStringList failed;
         if (!m_lists.lvwSendEmailQue.isEmpty()) {
             m_link.Vantor32Reply(ViaEmail, false); // the chamber program hears of the final failure too
+            failed = m_lists.lvwSendEmailQue.row(1);
             m_lists.lvwSendEmailQue.remove(1);
         }
         g.gintIconState = 2;
         g.glngEmailAttempts = 0;
         DBAddHistLvw(m_database, m_lists, 0);
         rearmEmailQueue();
+        if (m_finalFailure && !failed.isEmpty())
+            m_finalFailure(ViaEmail, failed);
     }
     g.gintEmailSendState = Idle;
     m_tray.IconUpdate();
@@ -262,15 +266,19 @@ void SendStatus::faxFailed()
     g.glngFaxTicks = 0;
     if (m_faxLine)
         m_faxLine->endCall();
+    QStringList failed;
     if (attempts >= 2) {
         g.gintIconState = 2;
         DBAddHistLvw(m_database, m_lists, 1);
         m_link.Vantor32Reply(ViaFax, false);
+        failed = queue.row(1);
     } else {
         queue.setText(1, kAttemptsColumn, QString::number(attempts + 1));
         LVWSendFirstFaxQueueToLast(m_lists);
     }
     queue.remove(1);
+    if (m_finalFailure && !failed.isEmpty())
+        m_finalFailure(ViaFax, failed);
     m_tray.IconUpdate();
     g.gintFaxSendState = Idle;
 }

@@ -6,6 +6,9 @@
 
 #include <QObject>
 
+#include <QStringList>
+#include <functional>
+
 namespace osprel {
 
 class AlertLink;
@@ -31,6 +34,9 @@ public:
     SendStatus &operator=(const SendStatus &) = delete;
 
     void setFaxLine(FaxLine *line) { m_faxLine = line; }
+    // Told of each message that failed for good, with its queue row, after the row left its queue (1 e-mail, 2 fax).
+    using FinalFailure = std::function<void(int via, const QStringList &row)>;
+    void setFinalFailureHandler(FinalFailure handler) { m_finalFailure = std::move(handler); }
     // Why the fax in progress failed, as the fax queue reported it (e-mail outcomes are taken from the client).
     void noteFaxReason(const QString &reason) { m_faxReason = reason; }
 
@@ -58,6 +64,7 @@ private:
     SmtpClient &m_smtp;
     TrayState &m_tray;
     StatusPort &m_port;
+    FinalFailure m_finalFailure;
     FaxLine *m_faxLine = nullptr;
     QMetaObject::Connection m_smtpOutcomes;
     bool gblnStatusUpdating = false;
