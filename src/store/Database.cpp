@@ -20,7 +20,6 @@ Database::Database()
       m_batch(std::make_unique<Batch>())
 {
     m_batch->commit.setSingleShot(true);
-    m_batch->commit.setInterval(0);
     m_batch->commit.callOnTimeout([this] { commitBatch(); });
 }
 
@@ -176,7 +175,9 @@ void Database::beginBatch() const
     if (!database.transaction())
         raise(Err::ProviderError, database.lastError().text());
     m_batch->open = true;
-    m_batch->commit.start();
+    // Nobody waits for this batch yet: changes of the next few milliseconds (dispatch, delivery) may join it. A
+    // caller that waits brings the commit forward to the end of the current turn.
+    m_batch->commit.start(kIdleCommitMs);
 }
 
 void Database::whenCommitted(std::function<void(bool)> callback) const
@@ -190,6 +191,8 @@ void Database::whenCommitted(std::function<void(bool)> callback) const
     static const bool grouped = qEnvironmentVariable("OSPREL_GROUP_COMMIT") != QLatin1String("0");
     if (!grouped)
         commitBatch();
+    else if (m_batch->commit.interval() != 0)
+        m_batch->commit.start(0);
 }
 
 bool Database::commitBatch() const

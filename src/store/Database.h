@@ -16,6 +16,8 @@ class Database
 {
 public:
     static constexpr const char *kFileName = "EMAILFAX.MDE";
+    // How long a batch nobody waits for stays open for more changes (real milliseconds, not scaled).
+    static constexpr int kIdleCommitMs = 10;
 
     Database();
     ~Database();
@@ -40,7 +42,8 @@ public:
     bool reopenIfWritable();
 
     // Group commit. Changes made within one turn of the event loop share one transaction, committed (with one flush
-    // to disk) when control returns to the loop. beginBatch() opens it, if it is not open yet; statements run in
+    // to disk) when control returns to the loop; while nobody waits for it, a batch stays open kIdleCommitMs for
+    // more changes. beginBatch() opens it, if it is not open yet; statements run in
     // the meantime by anyone join it. whenCommitted() calls back after that commit with its outcome (true at once
     // when nothing is open). commitBatch() commits now (shutdown, tests); it returns false when the commit failed,
     // in which case everything of the batch is rolled back.

@@ -62,8 +62,8 @@ QueueJournal::Counts QueueJournal::restore()
                 {mirror.queue});
             while (rows.next()) {
                 mirror.list->add(decode(rows.value(2).toString()));
-                mirror.keys.append(rows.value(0).toLongLong());
-                mirror.positions.append(rows.value(1).toDouble());
+                mirror.keys.push_back(rows.value(0).toLongLong());
+                mirror.positions.push_back(rows.value(1).toDouble());
                 ++*found[i];
             }
         }
@@ -109,7 +109,7 @@ bool QueueJournal::isStored(const ListStore &list, int row) const
 {
     for (const Mirror &mirror : m_mirrors) {
         if (mirror.list == &list)
-            return m_healthy && row >= 1 && row <= mirror.keys.size() && mirror.keys[row - 1] != 0;
+            return m_healthy && row >= 1 && row <= int(mirror.keys.size()) && mirror.keys[std::size_t(row - 1)] != 0;
     }
     return false;
 }
@@ -128,15 +128,15 @@ void QueueJournal::inserted(Mirror &mirror, int first, int last)
         const int count = int(mirror.positions.size());
         double position = 1;
         if (count > 0 && index >= count)
-            position = mirror.positions.constLast() + 1;
+            position = mirror.positions.back() + 1;
         else if (count > 0 && index == 0)
-            position = mirror.positions.constFirst() - 1;
+            position = mirror.positions.front() - 1;
         else if (count > 0)
-            position = (mirror.positions[index - 1] + mirror.positions[index]) / 2;
-        mirror.positions.insert(index, position);
-        mirror.keys.insert(index, 0);
+            position = (mirror.positions[std::size_t(index - 1)] + mirror.positions[std::size_t(index)]) / 2;
+        mirror.positions.insert(mirror.positions.begin() + index, position);
+        mirror.keys.insert(mirror.keys.begin() + index, 0);
         if (m_healthy)
-            write([&] { mirror.keys[index] = insertRow(mirror, index, position); });
+            write([&] { mirror.keys[std::size_t(index)] = insertRow(mirror, index, position); });
     }
 }
 
@@ -144,8 +144,8 @@ void QueueJournal::changed(Mirror &mirror, int first, int last)
 {
     if (!m_healthy)
         return;
-    for (int index = first; index <= last && index < mirror.keys.size(); ++index) {
-        const qint64 key = mirror.keys[index];
+    for (int index = first; index <= last && index < int(mirror.keys.size()); ++index) {
+        const qint64 key = mirror.keys[std::size_t(index)];
         if (key == 0)
             continue;
         write([&] {
@@ -157,10 +157,12 @@ void QueueJournal::changed(Mirror &mirror, int first, int last)
 
 void QueueJournal::removing(Mirror &mirror, int first, int last)
 {
-    for (int index = last; index >= first && index < mirror.keys.size(); --index) {
-        const qint64 key = mirror.keys[index];
-        mirror.keys.remove(index);
-        mirror.positions.remove(index);
+    for (int index = last; index >= first; --index) {
+        if (index >= int(mirror.keys.size()))
+            continue;
+        const qint64 key = mirror.keys[std::size_t(index)];
+        mirror.keys.erase(mirror.keys.begin() + index);
+        mirror.positions.erase(mirror.positions.begin() + index);
         if (m_healthy && key != 0)
             write([&] { m_database.run(QStringLiteral("DELETE FROM QueueRows WHERE rowid = ?"), {key}); });
     }
@@ -209,9 +211,9 @@ bool QueueJournal::resync()
         m_database.beginBatch();
         m_database.run(QStringLiteral("DELETE FROM QueueRows"));
         for (Mirror &mirror : m_mirrors) {
-            for (int index = 0; index < mirror.keys.size(); ++index) {
-                mirror.positions[index] = index + 1;
-                mirror.keys[index] = insertRow(mirror, index, index + 1);
+            for (std::size_t index = 0; index < mirror.keys.size(); ++index) {
+                mirror.positions[index] = double(index + 1);
+                mirror.keys[index] = insertRow(mirror, int(index), double(index + 1));
             }
         }
         stored = m_database.commitBatch();
