@@ -95,6 +95,7 @@ bool Database::DBInitADO(const QString &folder)
         }
         probe.finish();
         m_open = true;
+        ++m_opening;
         m_readOnly = readOnly;
         if (!readOnly)
             upgrade(database, existed);

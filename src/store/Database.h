@@ -30,6 +30,10 @@ public:
     void close();
 
     bool isOpen() const { return m_open; }
+    // The connection, for statements prepared once and run many times; opening() changes whenever the file is
+    // opened again, after which such statements must be prepared anew.
+    QSqlDatabase connection() const { return QSqlDatabase::database(m_connectionName, false); }
+    int opening() const { return m_opening; }
     bool isReadOnly() const { return m_readOnly; }
     // Not empty when the file was written by a newer version of the program and is therefore open read-only: the
     // text that says so (it is in the log already; the window shows it too).
@@ -79,6 +83,7 @@ private:
     QString m_folder;
     QString m_path;
     bool m_open = false;
+    int m_opening = 0;
     bool m_readOnly = false;
     std::unique_ptr<Batch> m_batch;
     QString m_newerFileText;

@@ -10,6 +10,7 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
 
@@ -114,11 +115,48 @@ bool QueueJournal::isStored(const ListStore &list, int row) const
     return false;
 }
 
+namespace {
+enum Statement { Insert, Update, Delete };
+
+void runBound(QSqlQuery &query, const QVariantList &values)
+{
+    for (int i = 0; i < values.size(); ++i)
+        query.bindValue(i, values.at(i));
+    if (!query.exec())
+        raise(Err::ProviderError, query.lastError().text());
+}
+
+void finished(QSqlQuery &query)
+{
+    query.finish(); // reset, still prepared
+}
+} // namespace
+
+QSqlQuery &QueueJournal::statement(int which)
+{
+    if (!m_database.isOpen())
+        raise(Err::ConnectionClosed);
+    if (m_preparedFor != m_database.opening()) {
+        static const char *const sql[3] = {"INSERT INTO QueueRows (Queue, Position, Columns) VALUES (?, ?, ?)",
+                                           "UPDATE QueueRows SET Columns = ? WHERE rowid = ?",
+                                           "DELETE FROM QueueRows WHERE rowid = ?"};
+        for (int i = 0; i < 3; ++i) {
+            m_statements[i] = QSqlQuery(m_database.connection());
+            if (!m_statements[i].prepare(QString::fromLatin1(sql[i])))
+                raise(Err::ProviderError, m_statements[i].lastError().text());
+        }
+        m_preparedFor = m_database.opening();
+    }
+    return m_statements[which];
+}
+
 qint64 QueueJournal::insertRow(const Mirror &mirror, int index, double position)
 {
-    QSqlQuery insert = m_database.run(QStringLiteral("INSERT INTO QueueRows (Queue, Position, Columns) VALUES (?, ?, ?)"),
-                                      {mirror.queue, position, encode(mirror.list->row(index + 1))});
-    return insert.lastInsertId().toLongLong();
+    QSqlQuery &insert = statement(Insert);
+    runBound(insert, {mirror.queue, position, encode(mirror.list->row(index + 1))});
+    const qint64 key = insert.lastInsertId().toLongLong();
+    finished(insert);
+    return key;
 }
 
 void QueueJournal::inserted(Mirror &mirror, int first, int last)
@@ -149,8 +187,8 @@ void QueueJournal::changed(Mirror &mirror, int first, int last)
         if (key == 0)
             continue;
         write([&] {
-            m_database.run(QStringLiteral("UPDATE QueueRows SET Columns = ? WHERE rowid = ?"),
-                           {encode(mirror.list->row(index + 1)), key});
+            runBound(statement(Update), {encode(mirror.list->row(index + 1)), key});
+            finished(statement(Update));
         });
     }
 }
@@ -164,7 +202,10 @@ void QueueJournal::removing(Mirror &mirror, int first, int last)
         mirror.keys.erase(mirror.keys.begin() + index);
         mirror.positions.erase(mirror.positions.begin() + index);
         if (m_healthy && key != 0)
-            write([&] { m_database.run(QStringLiteral("DELETE FROM QueueRows WHERE rowid = ?"), {key}); });
+            write([&] {
+                runBound(statement(Delete), {key});
+                finished(statement(Delete));
+            });
     }
 }
 
@@ -206,6 +247,10 @@ bool QueueJournal::resync()
     bool stored = false;
     try {
         m_database.commitBatch();
+        // A reopened file is a new connection: the prepared statements of the old one go first.
+        for (QSqlQuery &query : m_statements)
+            query = QSqlQuery();
+        m_preparedFor = -1;
         if (!m_database.reopenIfWritable() || !m_database.writable())
             return false;
         m_database.beginBatch();

@@ -7,6 +7,7 @@
 #include <QList>
 #include <QMetaObject>
 #include <QObject>
+#include <QSqlQuery>
 #include <QString>
 #include <QTimer>
 #include <array>
@@ -66,6 +67,8 @@ private:
     void changed(Mirror &mirror, int first, int last);
     void removing(Mirror &mirror, int first, int last);
     qint64 insertRow(const Mirror &mirror, int index, double position);
+    // The three statements the journal runs on every change, prepared once per opening of the file.
+    QSqlQuery &statement(int which);
     bool write(const std::function<void()> &work);
 
     Database &m_database;
@@ -73,6 +76,8 @@ private:
     bool m_healthy = true;
     QString m_problem;
     QTimer m_retry;
+    QSqlQuery m_statements[3];
+    int m_preparedFor = -1;
 };
 
 } // namespace osprel

@@ -44,6 +44,10 @@ ListView::ListView(ListStore &store, Refresh refresh, QWidget *parent) : QTableV
 
 void ListView::fitToContents()
 {
+    // A hidden view would measure every row (it has no visible ones): with a long queue behind a window in the
+    // notification area that costs more than the work itself. It is fitted when it shows.
+    if (!isVisible())
+        return;
     for (int column = 0; column < model()->columnCount(); ++column) {
         if (isColumnHidden(column))
             continue;
@@ -54,6 +58,12 @@ void ListView::fitToContents()
         if (width > columnWidth(column))
             setColumnWidth(column, width);
     }
+}
+
+void ListView::showEvent(QShowEvent *event)
+{
+    QTableView::showEvent(event);
+    m_fitTimer.start();
 }
 
 void ListView::applyWidths()

@@ -24,6 +24,9 @@ public:
     // Widens each column to its content (bounded), never below its design width.
     void fitToContents();
 
+protected:
+    void showEvent(QShowEvent *event) override;
+
 private:
     static constexpr int kMaxFittedWidth = 420;
     void applyWidths();
