@@ -99,7 +99,7 @@ private Q_SLOTS:
             m_window->messages.first().startsWith(QLatin1String("Test Email Warning|You must enter a valid email")));
         QCOMPARE(m_smtp->SmtpState(), qint16(0));
 
-        m_window->testTo = QStringLiteral("not an address");
+        m_window->testTo = QStringLiteral("labtech");
         m_window->testMessage = QStringLiteral("This is an Osprel test email.");
         m_queue->cmdTestEmail_Click();
         QCOMPARE(m_window->messages.size(), 1);
