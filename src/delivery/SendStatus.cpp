@@ -1,6 +1,8 @@
 #include "SendStatus.h"
 
 #include "AlertLink.h"
+#include "Clock.h"
+#include "EmailDeferral.h"
 #include "ErrorReport.h"
 #include "FaxLine.h"
 #include "FormLists.h"
@@ -32,6 +34,7 @@ SendStatus::SendStatus(FormLists &lists, FormTimers &timers, const Database &dat
     : m_lists(lists), m_timers(timers), m_database(database), m_link(link), m_smtp(smtp), m_tray(tray), m_port(port)
 {
     m_smtpOutcomes = QObject::connect(&m_smtp, &SmtpClient::finished, &m_smtp, [this](const SendOutcome &outcome) {
+        m_emailOutcome = outcome;
         recordEmailOutcome(outcome);
         SendStatUpdate();
     });
@@ -117,6 +120,7 @@ void SendStatus::emailSending()
                     QStringLiteral(" status checks.  Aborting."),
                 Log::EmailList);
         g.gintEmailSendState = Failed;
+        m_emailOutcome = SendOutcome::failed(QStringLiteral("no outcome"));
         g.glngEmailTicks = 0;
         m_smtp.abort(); // closes the socket and sets SmtpState to 0
     }
@@ -139,7 +143,10 @@ void SendStatus::emailSent()
     if (g.gintIconState != 2)
         g.gintIconState = 1;
     m_tray.IconUpdate();
-    m_lists.lvwHist[0].setText(1, kStatusColumn, QStringLiteral("Sent"));
+    // Recipients the server refused are named: "Sent (refused: bob@example.com)".
+    const QString refused = m_emailOutcome.isSent() ? m_emailOutcome.reason : QString();
+    m_lists.lvwHist[0].setText(1, kStatusColumn,
+                               refused.isEmpty() ? QStringLiteral("Sent") : QStringLiteral("Sent (%1)").arg(refused));
     if (!m_lists.lvwSendEmailQue.isEmpty()) {
         m_link.Vantor32Reply(ViaEmail, true); // before the row goes: the reply reads its alert number
         m_lists.lvwSendEmailQue.remove(1);
@@ -164,9 +171,25 @@ void SendStatus::emailFailed()
     }
     m_smtp.abort();
     ListStore &history = m_lists.lvwHist[0];
+    ListStore &queue = m_lists.lvwSendEmailQue;
+    // A temporary failure (4xx, a dropped connection, a time-out) waits for a later try, until the kill time.
+    if (m_emailOutcome.temporary && !queue.isEmpty()) {
+        QString status;
+        if (deferTopJob(queue, m_emailOutcome.reason, m_smtp.mailSettings().killTimeMinutes, Clock::now(), &status)) {
+            history.setText(1, kStatusColumn, status);
+            DumpStr(QStringLiteral("EMail Status: ") + status, Log::EmailList);
+            switchOn(m_timers.TimerEmailMsgQue);
+            g.gintEmailSendState = Idle;
+            m_tray.IconUpdate();
+            return;
+        }
+        g.glngEmailAttempts = 2; // the kill time has passed: this is the final failure
+    }
     if (g.glngEmailAttempts < 2) {
         history.setText(1, kStatusColumn, QStringLiteral("Attempt %1 Failed").arg(g.glngEmailAttempts + 1));
         g.glngEmailAttempts += 1;
+        if (!queue.isEmpty())
+            queue.setText(1, EmailJobColumn::Attempts, QString::number(g.glngEmailAttempts));
         switchOn(m_timers.TimerEmailMsgQue);
     } else {
         history.setText(1, kStatusColumn, QStringLiteral("Attempt 3 Failed"));

@@ -4,6 +4,8 @@
 // queue timers, and the reply to the chamber program. Guarded against being re-entered from an event handled
 // while it runs. It takes the SMTP client's outcomes itself: each is recorded and refreshed at once.
 
+#include "SendOutcome.h"
+
 #include <QObject>
 
 namespace osprel {
@@ -58,6 +60,7 @@ private:
     StatusPort &m_port;
     FaxLine *m_faxLine = nullptr;
     QMetaObject::Connection m_smtpOutcomes;
+    SendOutcome m_emailOutcome; // the SMTP client's last outcome: temporary or not, and whom the server refused
     bool gblnStatusUpdating = false;
 };
 

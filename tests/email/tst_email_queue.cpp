@@ -8,6 +8,9 @@
 #include "FormTimers.h"
 #include "Globals.h"
 #include "HeadlessWindow.h"
+#include "LocalSmtpServer.h"
+#include "Clock.h"
+#include "EmailDeferral.h"
 #include "Log.h"
 #include "SendStates.h"
 #include "SendStatus.h"
@@ -108,6 +111,65 @@ private Q_SLOTS:
         QCOMPARE(m_smtp->SmtpState(), qint16(1)); // attempted
     }
 
+    // A greylisting server (451 on the first try): the job is deferred, another job goes out meanwhile, and it is
+    // delivered on its next try with the same Message-ID. Past the kill time a deferral ends as the final failure.
+    void temporaryFailuresAreDeferred()
+    {
+        LocalSmtpServer::Options options;
+        options.greylist = 1;
+        LocalSmtpServer server;
+        QString error;
+        QVERIFY2(server.start(options, &error), qPrintable(error));
+        m_window->settings.txtMailServer = server.address();
+        QDateTime now = QDateTime::currentDateTime();
+        Clock::setSource([&now] { return now; });
+        const auto restoreClock = qScopeGuard([] { Clock::setSource(nullptr); });
+        ListStore &queue = m_f->lists.lvwSendEmailQue;
+        for (const char *id : {"7", "8"})
+            queue.add(QStringList{"t", "body", "Chamber 4", "jo@lab; ", "0", "CHAMBER_ALARM", " 7 | Chamber 4 | | | ",
+                                  QString::fromLatin1(id)});
+
+        runOneJob();
+        QCOMPARE(queue.count(), 2);
+        QVERIFY2(m_f->lists.lvwHist[0].text(1, 2).startsWith(QStringLiteral("Deferred 1, next try ")),
+                 qPrintable(m_f->lists.lvwHist[0].text(1, 2)));
+        QVERIFY(m_f->lists.lvwHist[0].text(1, 2).contains(QStringLiteral("451 4.7.1 greylisted")));
+        QCOMPARE(queue.text(1, EmailJobColumn::Status), m_f->lists.lvwHist[0].text(1, 2));
+        QCOMPARE(queue.text(1, EmailJobColumn::NextTry), now.addSecs(60).toString(Qt::ISODate));
+        const QString messageId = queue.text(1, EmailJobColumn::MessageId);
+        QVERIFY(!messageId.isEmpty());
+
+        // Alert 8 goes while 7 waits.
+        runOneJob();
+        QCOMPARE(queue.count(), 1);
+        QCOMPARE(queue.text(1, 8), QStringLiteral("7"));
+        m_queue->TimerEmailMsgQue_Timer();
+        QCOMPARE(g.gintEmailSendState, qint16(0)); // not due yet
+
+        now = now.addSecs(61);
+        runOneJob();
+        QVERIFY(queue.isEmpty());
+        QCOMPARE(m_f->lists.lvwHist[0].text(1, 2), QStringLiteral("Sent"));
+        QCOMPARE(server.rawMessages().size(), 3);
+        QVERIFY(server.rawMessages().at(0).contains(("Message-ID: " + messageId).toUtf8()));
+        QVERIFY(server.rawMessages().at(2).contains(("Message-ID: " + messageId).toUtf8()));
+        QCOMPARE(server.received(), 2);
+
+        // A server that is never there: deferred until the kill time, then "Attempt 3 Failed".
+        m_window->settings.txtMailServer = QStringLiteral("127.0.0.1:1");
+        m_window->mail.killTimeMinutes = 10;
+        queue.add(QStringList{"t", "body", "Chamber 4", "jo@lab; ", "0", "CHAMBER_ALARM", " 9 | | | | ", "9"});
+        QStringList statuses;
+        for (int i = 0; i < 5 && !queue.isEmpty(); ++i) {
+            runOneJob();
+            statuses << m_f->lists.lvwHist[0].text(1, 2).section(u',', 0, 0);
+            now = now.addSecs(60 * deferralMinutes(i + 1) + 1);
+        }
+        // Deferred at 0, 1 and 6 minutes; at 21 minutes the 10-minute kill time has passed.
+        QCOMPARE(statuses, (QStringList{"Deferred 1", "Deferred 2", "Deferred 3", "Attempt 3 Failed"}));
+        QVERIFY(queue.isEmpty());
+    }
+
     void theEnableBoxIsStored()
     {
         m_window->email = false;
@@ -119,6 +181,15 @@ private Q_SLOTS:
     }
 
 private:
+    // One tick of the queue and the outcome of the job it took.
+    void runOneJob()
+    {
+        m_f->timers.TimerEmailMsgQue.start();
+        m_queue->TimerEmailMsgQue_Timer();
+        QCOMPARE(g.gintEmailSendState, qint16(1));
+        QTRY_COMPARE_WITH_TIMEOUT(g.gintEmailSendState, qint16(0), 10000);
+    }
+
     std::unique_ptr<StoreFixture> m_f;
     std::unique_ptr<HeadlessWindow> m_window;
     QTcpServer m_silent;
