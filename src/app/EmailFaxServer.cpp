@@ -33,7 +33,7 @@ EmailFaxServer::EmailFaxServer(Log &log, FormLists &lists, const Ports &ports, Q
                    [this] { m_sendStatus.SendStatUpdate(); }),
       m_recipients(m_lists, m_database, ports.recipientsPage, ports.contactEditor, ports.form, ports.form),
       m_prioritySetup(m_priorities, m_alarms, m_lists, m_timers, ports.alarmSetup, ports.priorityPage),
-      m_commSetup(m_database, ports.commSetup)
+      m_commSetup(m_database, ports.commSetup), m_mailSetup(m_database, ports.email, ports.form, m_secrets)
 {
     FaxDevice::configureFinder(m_faxFinder);
     m_sendStatus.setFaxLine(&m_faxQueue);
@@ -62,6 +62,7 @@ void EmailFaxServer::Form_Load()
         m_lists.InitColHeaders();
         m_database.DBInitADO(g.gstrAppPath);
         DBInit(m_database, m_lists, m_ports.commSetup);
+        m_mailSetup.load();
         m_priorities.DBInitAlarmCatSetup();
         m_priorities.DBInitAlarmPriSetup();
         m_alarms.InitLables();

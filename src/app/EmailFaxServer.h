@@ -9,6 +9,8 @@
 #include "Database.h"
 #include "Dispatcher.h"
 #include "EmailQueue.h"
+#include "MailSetup.h"
+#include "SecretStore.h"
 #include "FaxDevice.h"
 #include "FaxEngine.h"
 #include "FaxFinder.h"
@@ -55,6 +57,7 @@ public:
     Recipients &recipients() { return m_recipients; }
     PrioritySetup &prioritySetup() { return m_prioritySetup; }
     CommSetup &commSetup() { return m_commSetup; }
+    MailSetup &mailSetup() { return m_mailSetup; }
     FaxEngine &faxEngine() { return m_faxEngine; }
     FaxFinder &faxFinder() { return m_faxFinder; }
     FaxDevice &faxDevice() { return m_faxDevice; }
@@ -105,6 +108,8 @@ private:
     Recipients m_recipients;
     PrioritySetup m_prioritySetup;
     CommSetup m_commSetup;
+    SecretStore m_secrets;
+    MailSetup m_mailSetup;
     bool m_loading = false;
     bool m_unloaded = false;
 };

@@ -24,6 +24,13 @@ const QList<Migration> &migrations()
     static const QList<Migration> list{
         // 1: versions are kept; the classic tables are as they were.
         {1, {}},
+        // 2: how the SMTP client reaches the mail server (security, authentication, time-outs); secrets stay out.
+        {2,
+         {QStringLiteral("CREATE TABLE IF NOT EXISTS MailServerSecurity (Security INTEGER DEFAULT 0, Auth INTEGER "
+                         "DEFAULT 0, UserName TEXT, AllowClearAuth INTEGER DEFAULT 0, CaFile TEXT, PinnedSha256 TEXT, "
+                         "TokenSource INTEGER DEFAULT 0, TokenUrl TEXT, Tenant TEXT, ClientId TEXT, Scope TEXT, "
+                         "TokenCommand TEXT, ConnectTimeout INTEGER DEFAULT 30, ReplyTimeout INTEGER DEFAULT 120, "
+                         "DotTimeout INTEGER DEFAULT 600, KillTimeMinutes INTEGER DEFAULT 240)")}},
     };
     return list;
 }

@@ -53,6 +53,7 @@ public:
     QString txtFrom() const override { return settings.txtFrom; }
     QString txtMailServer() const override { return settings.txtMailServer; }
     osprel::MailSettings mailSettings() const override { return mail; }
+    void setMailSettings(const osprel::MailSettings &settings) override { mail = settings; }
     bool optSMTP() const override { return smtp; }
     QString txtTestEMailTo() const override { return testTo; }
     QString txtTestEMailSubject() const override { return testSubject; }
