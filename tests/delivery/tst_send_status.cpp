@@ -212,7 +212,7 @@ private:
         m_f->lists.lvwHist[histIndex].insert(1, QStringList{QStringLiteral("now"), QStringLiteral("Sending"),
                                                             QStringLiteral("Chamber 4"), address,
                                                             QStringLiteral("high"), QStringLiteral("CHAMBER_ALARM"),
-                                                            QStringLiteral("t"), queue.text(1, queue.columnCount())});
+                                                            QStringLiteral("t"), queue.text(1, histIndex == 0 ? 8 : 10)});
     }
     static QStringList column(const ListStore &list, int column)
     {

@@ -50,7 +50,8 @@ private Q_SLOTS:
         QVERIFY(widget("picContacts")->isVisible());
         QCOMPARE(m_window->focusWidget(), widget("txtContactsFName"));
         const QList<std::pair<QStringList, QString>> cases = {
-            {{"Ann", "Lee", "ann@lab", "", "", ""}, "The email address must contain a '.' symbol."},
+            {{"Ann", "Lee", "ann@lab> RCPT TO:<x@y", "", "", ""},
+             "The email address cannot be used: the address holds an angle bracket."},
             {{"Ann", "Lee", "ann.lab", "", "", ""}, "The email address must contain an '@' symbol."},
             {{"Ann", "Lee", "", "12", "", ""}, "The fax number must have the numeric format ### ### ####."},
             {{"", "Lee", "", "", "", ""}, "Both first and last name fields must be completed."},
