@@ -8,7 +8,9 @@ namespace osprel::MessageFormat {
 namespace {
 constexpr int kMaxLineOctets = 998; // RFC 5321 section 4.5.3.1.6, without the CR LF
 constexpr int kQpLine = 76;         // RFC 2045 section 6.7 (5)
-constexpr int kEncodedWordBytes = 45; // 60 base64 characters: "=?UTF-8?B?" + 60 + "?=" stays within 75
+// 48 base64 characters: "=?UTF-8?B?" + 48 + "?=" is 60, so even the first line, after "Subject: ", stays within
+// the 76 characters RFC 2047 section 2 allows a line holding encoded words.
+constexpr int kEncodedWordBytes = 36;
 
 bool isContinuationByte(char c)
 {

@@ -115,7 +115,10 @@ private Q_SLOTS:
         QVERIFY(startServer(server, {}));
         m_port.server = server.address();
         const QString body = QStringLiteral("Temperatur zu hoch: 85 °C = Grenze\r\n.\r\nEnde  \r\n");
-        send(QStringLiteral("ops@lab.example"), QStringLiteral("Prüfkammer 3 Chamber Notification: X"), body);
+        // A subject long enough for several encoded words, each holding whole characters.
+        const QString subject = QStringLiteral("Prüfkammer 3 Öl-Temperatur über Grenzwert ").repeated(4) +
+                                QStringLiteral("Chamber Notification: X");
+        send(QStringLiteral("ops@lab.example"), subject, body);
         QVERIFY(m_outcomes.last().isSent());
         const QByteArray raw = server.rawMessages().first();
         for (const QByteArray &line : raw.split('\n'))
@@ -123,7 +126,7 @@ private Q_SLOTS:
         const QJsonObject message = readMessage(raw);
         QCOMPARE(message.value("encoding").toString(), QStringLiteral("quoted-printable"));
         QCOMPARE(message.value("body").toString(), QStringLiteral("Temperatur zu hoch: 85 °C = Grenze\n.\nEnde  \n"));
-        QCOMPARE(message.value("subject").toString(), QStringLiteral("Prüfkammer 3 Chamber Notification: X"));
+        QCOMPARE(message.value("subject").toString(), subject);
     }
 
     // Addresses that try to break out of RCPT TO are skipped (logged once); one typed in <...> is used bare.

@@ -255,6 +255,62 @@ private Q_SLOTS:
                               rcvd + "250 ok", "EMail Status: Sent>> RCPT TO:<ops@chamber.test>"}));
     }
 
+    // RFC 5321 section 3.2: a server that rejects EHLO gets HELO. Without STARTTLS on offer, "when offered" goes on
+    // in clear and "required" sends nothing; a 4xx reply is a temporary failure, a 5xx one is not.
+    void ehloFallsBackToHelo()
+    {
+        Script fallback = {{"", {"220 old.test ready\r\n"}},
+                           {"EHLO ", {"502 command not implemented\r\n"}},
+                           {"HELO ", {"250 old.test\r\n"}}};
+        fallback << ScriptedSmtpPeer::session().mid(2);
+        ScriptedSmtpPeer peer(fallback);
+        m_port.server = peer.address();
+        m_port.settings.security = MailSecurity::StartTlsOffered;
+        m_client->SendEmail(QStringLiteral("ops@chamber.test"), QStringLiteral("s"), QStringLiteral("b"));
+        QTRY_COMPARE_WITH_TIMEOUT(m_statesAtUpdate.size(), 1, 3000);
+        QCOMPARE(m_statesAtUpdate, QList<qint16>{3});
+        QVERIFY2(peer.mismatches().isEmpty(), qPrintable(peer.mismatches().join(u'\n')));
+        // No 8BITMIME without EHLO: quoted-printable, and no BODY parameter.
+        QVERIFY(peer.received().contains("MAIL FROM:<osprel@chamber.test>\r\n"));
+        QVERIFY(peer.received().contains("Content-Transfer-Encoding: quoted-printable\r\n"));
+
+        const Script noStartTls = {{"", {"220 plain.test ready\r\n"}},
+                                   {"EHLO ", {"250-plain.test\r\n250 8BITMIME\r\n"}}};
+        ScriptedSmtpPeer plain(noStartTls);
+        m_port.server = plain.address();
+        m_port.settings.security = MailSecurity::StartTlsRequired;
+        m_client->SendEmail(QStringLiteral("ops@chamber.test"), QStringLiteral("s"), QStringLiteral("b"));
+        QTRY_COMPARE_WITH_TIMEOUT(m_outcomes.size(), 2, 3000);
+        QVERIFY(!m_outcomes.last().isSent() && !m_outcomes.last().temporary);
+        QCOMPARE(m_outcomes.last().reason, QStringLiteral("SMTP_SENT_EHLO: the server does not offer STARTTLS"));
+        QVERIFY(!plain.received().contains("MAIL FROM"));
+
+        const Script busy = {{"", {"421 too busy, try later\r\n"}}};
+        ScriptedSmtpPeer later(busy);
+        m_port.server = later.address();
+        m_client->SendEmail(QStringLiteral("ops@chamber.test"), QStringLiteral("s"), QStringLiteral("b"));
+        QTRY_COMPARE_WITH_TIMEOUT(m_outcomes.size(), 3, 3000);
+        QVERIFY(!m_outcomes.last().isSent() && m_outcomes.last().temporary);
+        QCOMPARE(m_outcomes.last().reason, QStringLiteral("SMTP_CONNECTING: 421 too busy, try later"));
+        m_port.settings = MailSettings();
+        sendsTheNextMessage();
+    }
+
+    // A reply line past 512 octets ends the session as a temporary failure; nothing after it is read.
+    void overlongReplyLineEndsTheSession()
+    {
+        const Script script = {{"", {"220 " + QByteArray(600, 'x') + "\r\n"}}};
+        ScriptedSmtpPeer peer(script);
+        m_port.server = peer.address();
+        m_client->SendEmail(QStringLiteral("ops@chamber.test"), QStringLiteral("s"), QStringLiteral("b"));
+        QTRY_COMPARE_WITH_TIMEOUT(m_outcomes.size(), 1, 3000);
+        QVERIFY(m_outcomes.last().temporary);
+        QVERIFY(emailLines().contains(QStringLiteral(
+            "EMail Status: Error: SMTP_CONNECTING: a reply line of the server is longer than 512 octets.  Aborting.")));
+        QVERIFY(peer.received().isEmpty());
+        sendsTheNextMessage();
+    }
+
     void connectionRefusedFailsTheMessage()
     {
         quint16 port = 0;
