@@ -20,6 +20,7 @@ namespace osprel {
 
 namespace {
 const QString kLineEnd = QStringLiteral("\r\n");
+constexpr int kMinStepTimeoutMs = 1000;
 
 QString stateName(qint16 state)
 {
@@ -189,7 +190,9 @@ void SmtpClient::armStepTimer()
     else if (kSmtpStates.at(m_SmtpState).wait == SmtpWait::Dot)
         seconds = m_settings.dotTimeoutSec;
     m_stepTimer.setProperty("seconds", seconds);
-    m_stepTimer.start(TimeScale::interval(qMax(1, seconds) * 1000));
+    // Scaled like every timer, but never below a second: a fast-running demo or test must not fail a busy server
+    // that is merely slow, and a second still ends any hang.
+    m_stepTimer.start(qMax(kMinStepTimeoutMs, TimeScale::interval(qMax(1, seconds) * 1000)));
 }
 
 void SmtpClient::stepTimedOut()
