@@ -367,17 +367,29 @@ private Q_SLOTS:
         QCOMPARE(endpoint.requests(), 2);
         QVERIFY(emailLines().contains(QStringLiteral("EMail Status: Sent>> AUTH XOAUTH2 ****")));
 
+        // The server stops taking the cached token (revoked): that attempt fails with its 535, and the next one
+        // fetches a new token.
+        QFile tokens(endpoint.tokensFile());
+        QVERIFY(tokens.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        tokens.close();
+        send(QStringLiteral("ops@lab.example"), QStringLiteral("s"), QStringLiteral("b"));
+        QVERIFY(!m_outcomes.last().isSent());
+        QVERIFY2(m_outcomes.last().reason.contains(QStringLiteral("535")), qPrintable(m_outcomes.last().reason));
+        send(QStringLiteral("ops@lab.example"), QStringLiteral("s"), QStringLiteral("b"));
+        QVERIFY(m_outcomes.last().isSent());
+        QCOMPARE(endpoint.requests(), 3);
+
         // A token command, as a password-eval: its output is the token. A token the server refuses fails the
         // attempt with the server's 535.
         m_port.settings.tokenSource = TokenSource::Command;
-        m_port.settings.tokenCommand = QStringLiteral("head -n 1 '%1'").arg(endpoint.tokensFile());
+        m_port.settings.tokenCommand = QStringLiteral("tail -n 1 '%1'").arg(endpoint.tokensFile());
         send(QStringLiteral("ops@lab.example"), QStringLiteral("s"), QStringLiteral("b"));
         QVERIFY(m_outcomes.last().isSent());
         m_port.settings.tokenCommand = QStringLiteral("echo stolen-token");
         send(QStringLiteral("ops@lab.example"), QStringLiteral("s"), QStringLiteral("b"));
         QVERIFY(!m_outcomes.last().isSent());
         QVERIFY2(m_outcomes.last().reason.contains(QStringLiteral("535")), qPrintable(m_outcomes.last().reason));
-        QCOMPARE(server.rawMessages().size(), 4);
+        QCOMPARE(server.rawMessages().size(), 5);
     }
 
 private:
