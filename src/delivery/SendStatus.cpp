@@ -115,7 +115,9 @@ void SendStatus::emailSending()
     if (!m_lists.lvwHist[0].isEmpty())
         m_lists.lvwHist[0].setText(1, kStatusColumn, QStringLiteral("Sending"));
     g.glngEmailTicks += 1;
-    if (g.glngEmailTicks >= kEmailGiveUpTicks) {
+    // An SMTP session bounds every step with its own time-out and always ends with an outcome; cutting it here
+    // could send a slow server's message a second time. The give-up stays for everything else.
+    if (g.glngEmailTicks >= kEmailGiveUpTicks && m_smtp.SmtpState() == 0) {
         DumpStr(QStringLiteral("EMail Status: Error: no outcome after ") + QString::number(kEmailGiveUpTicks) +
                     QStringLiteral(" status checks.  Aborting."),
                 Log::EmailList);
