@@ -68,10 +68,22 @@ MailSettings MailSetup::stored(const Database &database)
 
 void MailSetup::store(const Database &database, const MailSettings &s)
 {
-    const QVariantList values = {int(s.security),  int(s.auth),          s.user,     s.allowClearAuth ? 1 : 0,
-                                 s.caFile,         s.pinnedSha256,       int(s.tokenSource), s.tokenUrl,
-                                 s.tenant,         s.clientId,           s.scope,    s.tokenCommand,
-                                 s.connectTimeoutSec, s.replyTimeoutSec, s.dotTimeoutSec, s.killTimeMinutes};
+    const QVariantList values = {int(s.security),
+                                 int(s.auth),
+                                 s.user,
+                                 s.allowClearAuth ? 1 : 0,
+                                 s.caFile,
+                                 s.pinnedSha256,
+                                 int(s.tokenSource),
+                                 s.tokenUrl,
+                                 s.tenant,
+                                 s.clientId,
+                                 s.scope,
+                                 s.tokenCommand,
+                                 s.connectTimeoutSec,
+                                 s.replyTimeoutSec,
+                                 s.dotTimeoutSec,
+                                 s.killTimeMinutes};
     QSqlQuery existing = database.run(QStringLiteral("SELECT rowid FROM MailServerSecurity ORDER BY rowid LIMIT 1"));
     if (existing.next()) {
         QVariantList withRow = values;

@@ -7,13 +7,13 @@
 #include "MailAddress.h"
 #include "MailServerAddress.h"
 #include "MessageFormat.h"
+#include "SmtpSecurity.h"
 #include "SmtpStates.h"
 #include "SocketErrors.h"
 #include "TimeScale.h"
 #include "Values.h"
 #include "WinsockState.h"
 
-#include <QHostInfo>
 #include <QSslConfiguration>
 
 namespace osprel {
@@ -42,12 +42,6 @@ QString heloDomain(const QString &from)
 bool isTemporary(qint16 code)
 {
     return code >= 400 && code <= 499;
-}
-
-QString certificateNames(const QSslCertificate &certificate)
-{
-    return QStringLiteral("certificate subject \"%1\", issuer \"%2\"")
-        .arg(certificate.subjectDisplayName(), certificate.issuerDisplayName());
 }
 } // namespace
 
@@ -109,10 +103,10 @@ void SmtpClient::SendEmail(const QString &recipients, const QString &subject, co
             anyRecipient = !usableRecipient(element).isEmpty() || anyRecipient;
         if (!anyRecipient)
             return failBeforeStart(QStringLiteral("no recipient address can be used"));
-        m_messageId = messageId.isEmpty() ? MessageFormat::newMessageId(m_strFrom.contains(u'@')
-                                                                            ? m_strFrom.section(u'@', 1)
-                                                                            : QStringLiteral("osprel.invalid"))
-                                          : messageId;
+        m_messageId = messageId.isEmpty()
+                          ? MessageFormat::newMessageId(m_strFrom.contains(u'@') ? m_strFrom.section(u'@', 1)
+                                                                                 : QStringLiteral("osprel.invalid"))
+                          : messageId;
         m_SmtpState = SMTP_CONNECTING;
         if (!connectToServer(m_port.txtMailServer()))
             m_SmtpState = SmtpIdle;
@@ -206,12 +200,10 @@ void SmtpClient::stepTimedOut()
                      QStringLiteral(": no answer to QUIT; the message was accepted before."));
             return succeed();
         }
-        const bool connecting =
-            m_SmtpState == SMTP_CONNECTING && m_wsockctl.state() != QAbstractSocket::ConnectedState;
-        fail(stateName(m_SmtpState) +
-                 (connecting ? QStringLiteral(": no connection to the server within %1 s") :
-                               QStringLiteral(": no reply from the server within %1 s"))
-                     .arg(seconds),
+        const bool connecting = m_SmtpState == SMTP_CONNECTING && m_wsockctl.state() != QAbstractSocket::ConnectedState;
+        fail(stateName(m_SmtpState) + (connecting ? QStringLiteral(": no connection to the server within %1 s")
+                                                  : QStringLiteral(": no reply from the server within %1 s"))
+                                          .arg(seconds),
              true);
     });
 }
@@ -235,9 +227,8 @@ void SmtpClient::wsockctl_DataArrival()
                                                          .arg(SmtpReplyReader::kMaxLineOctets),
                             true);
             if (take == SmtpReplyReader::Take::TooManyLines)
-                return fail(stateName(m_SmtpState) +
-                                QStringLiteral(": a reply of the server goes on past %1 lines")
-                                    .arg(SmtpReplyReader::kMaxReplyLines),
+                return fail(stateName(m_SmtpState) + QStringLiteral(": a reply of the server goes on past %1 lines")
+                                                         .arg(SmtpReplyReader::kMaxReplyLines),
                             true);
             emailLog(QStringLiteral("EMail Status: Rcvd<< ") + line);
             m_replyLines << line;
@@ -267,7 +258,7 @@ void SmtpClient::onReply(qint16 code)
             SendData(QStringLiteral("HELO ") + heloDomain(m_strFrom) + kLineEnd);
             m_SmtpState = SMTP_SENT_HELO;
         } else {
-            SendData(QStringLiteral("EHLO ") + ehloName() + kLineEnd);
+            SendData(QStringLiteral("EHLO ") + SmtpSecurity::ehloName(m_wsockctl.localAddress()) + kLineEnd);
             m_SmtpState = SMTP_SENT_EHLO;
         }
         break;
@@ -365,15 +356,15 @@ void SmtpClient::onEhloReply(qint16 code)
                             QString::number(code) + QStringLiteral("), so it cannot offer STARTTLS"),
                         false);
         m_extensions.clear();
-        SendData(QStringLiteral("HELO ") + ehloName() + kLineEnd);
+        SendData(QStringLiteral("HELO ") + SmtpSecurity::ehloName(m_wsockctl.localAddress()) + kLineEnd);
         m_SmtpState = SMTP_SENT_HELO;
         return;
     }
     m_extensions.clear();
     for (int i = 1; i < m_lastReply.size(); ++i)
         m_extensions.insert(m_lastReply.at(i).mid(4).section(u' ', 0, 0).toUpper());
-    const bool wantsStartTls = m_settings.security == MailSecurity::StartTlsRequired ||
-                               m_settings.security == MailSecurity::StartTlsOffered;
+    const bool wantsStartTls =
+        m_settings.security == MailSecurity::StartTlsRequired || m_settings.security == MailSecurity::StartTlsOffered;
     if (!m_tls && wantsStartTls) {
         if (m_extensions.contains(QStringLiteral("STARTTLS"))) {
             SendData(QStringLiteral("STARTTLS") + kLineEnd);
@@ -403,11 +394,8 @@ void SmtpClient::sendAuth()
     case MailAuth::None:
         return sendMailFrom();
     case MailAuth::Plain: {
-        // RFC 4616: authorization identity (empty), NUL, user, NUL, password.
-        const QByteArray response = (QByteArray(1, '\0') + m_settings.user.toUtf8() + QByteArray(1, '\0') +
-                                     m_settings.password.toUtf8())
-                                        .toBase64();
-        SendData("AUTH PLAIN " + response + "\r\n", QStringLiteral("AUTH PLAIN ****"));
+        SendData("AUTH PLAIN " + SmtpSecurity::plainResponse(m_settings.user, m_settings.password) + "\r\n",
+                 QStringLiteral("AUTH PLAIN ****"));
         m_SmtpState = SMTP_SENT_AUTH;
         return;
     }
@@ -428,10 +416,8 @@ void SmtpClient::sendAuth()
                         if (token.isEmpty())
                             return fail(stateName(SMTP_GETTING_TOKEN) + QStringLiteral(": ") + error, true);
                         const QString user = m_settings.user.isEmpty() ? m_strFrom : m_settings.user;
-                        const QByteArray response =
-                            ("user=" + user.toUtf8() + "\x01" + "auth=Bearer " + token.toUtf8() + "\x01\x01")
-                                .toBase64();
-                        SendData("AUTH XOAUTH2 " + response + "\r\n", QStringLiteral("AUTH XOAUTH2 ****"));
+                        SendData("AUTH XOAUTH2 " + SmtpSecurity::xoauth2Response(user, token) + "\r\n",
+                                 QStringLiteral("AUTH XOAUTH2 ****"));
                         m_SmtpState = SMTP_SENT_AUTH;
                         armStepTimer();
                     });
@@ -548,33 +534,10 @@ void SmtpClient::SendData(const QString &text, const QString &logText)
     SendData(text.toUtf8(), logText.isNull() ? text : logText);
 }
 
-QString SmtpClient::ehloName() const
-{
-    // RFC 5321 section 4.1.4: the fully qualified name, or else an address literal of this end of the connection.
-    const QString host = QHostInfo::localHostName();
-    const QString domain = QHostInfo::localDomainName();
-    if (host.contains(u'.'))
-        return host;
-    if (!host.isEmpty() && !domain.isEmpty())
-        return host + u'.' + domain;
-    const QHostAddress local = m_wsockctl.localAddress();
-    if (local.protocol() == QAbstractSocket::IPv6Protocol)
-        return QStringLiteral("[IPv6:") + local.toString() + u']';
-    return u'[' + local.toString() + u']';
-}
-
-bool SmtpClient::pinMatches(const QSslCertificate &certificate) const
-{
-    QString pin = m_settings.pinnedSha256;
-    pin.remove(u':').remove(u' ');
-    return !pin.isEmpty() && !certificate.isNull() &&
-           certificate.digest(QCryptographicHash::Sha256).toHex() == pin.toLower().toLatin1();
-}
-
 void SmtpClient::wsockctl_SslErrors(const QList<QSslError> &errors)
 {
     const QSslCertificate certificate = m_wsockctl.peerCertificate();
-    if (pinMatches(certificate)) {
+    if (SmtpSecurity::pinMatches(m_settings.pinnedSha256, certificate)) {
         m_wsockctl.ignoreSslErrors(errors); // the one certificate the user pinned
         return;
     }
@@ -582,7 +545,7 @@ void SmtpClient::wsockctl_SslErrors(const QList<QSslError> &errors)
     for (const QSslError &error : errors)
         reasons << error.errorString();
     m_tlsFailure = QStringLiteral("TLS: the server's certificate is refused: ") + reasons.join(QStringLiteral("; ")) +
-                   QStringLiteral(" (") + certificateNames(certificate) + u')';
+                   QStringLiteral(" (") + SmtpSecurity::certificateNames(certificate) + u')';
 }
 
 void SmtpClient::wsockctl_Encrypted()
@@ -590,14 +553,15 @@ void SmtpClient::wsockctl_Encrypted()
     guarded(QStringLiteral("wsockctl_Encrypted"), [&] {
         if (m_SmtpState == SmtpIdle)
             return;
-        if (!m_settings.pinnedSha256.isEmpty() && !pinMatches(m_wsockctl.peerCertificate()))
+        if (!m_settings.pinnedSha256.isEmpty() &&
+            !SmtpSecurity::pinMatches(m_settings.pinnedSha256, m_wsockctl.peerCertificate()))
             return fail(QStringLiteral("TLS: the server's certificate is not the pinned one (") +
-                            certificateNames(m_wsockctl.peerCertificate()) + u')',
+                            SmtpSecurity::certificateNames(m_wsockctl.peerCertificate()) + u')',
                         false);
         m_tls = true;
         if (m_SmtpState == SMTP_TLS_HANDSHAKE) {
             // RFC 3207 section 4.2: everything learnt before TLS is forgotten; the client asks again.
-            SendData(QStringLiteral("EHLO ") + ehloName() + kLineEnd);
+            SendData(QStringLiteral("EHLO ") + SmtpSecurity::ehloName(m_wsockctl.localAddress()) + kLineEnd);
             m_SmtpState = SMTP_SENT_EHLO;
         }
         armStepTimer();

@@ -76,8 +76,6 @@ private:
     void armStepTimer();
     // The address of one element of the recipients, or empty when it is empty or cannot be used (logged once).
     QString usableRecipient(const QString &element);
-    QString ehloName() const;
-    bool pinMatches(const QSslCertificate &certificate) const;
 
     // An unexpected reply code: the session ends without a banner; a 4xx reply is a temporary failure.
     void abortOnCode(qint16 code);
@@ -108,12 +106,12 @@ private:
     QString m_strBody;
     QString m_messageId;
 
-    QStringList m_replyLines;    // the lines of the reply being read
-    QStringList m_lastReply;     // the lines of the last whole reply
-    QSet<QString> m_extensions;  // EHLO keywords of the server, upper case
+    QStringList m_replyLines;   // the lines of the reply being read
+    QStringList m_lastReply;    // the lines of the last whole reply
+    QSet<QString> m_extensions; // EHLO keywords of the server, upper case
     bool m_tls = false;
-    bool m_delivered = false;    // the end mark got a 2xx reply: the message is the server's now
-    QString m_tlsFailure;        // why the server's certificate was refused
+    bool m_delivered = false; // the end mark got a 2xx reply: the message is the server's now
+    QString m_tlsFailure;     // why the server's certificate was refused
     QString m_lastRcpt;
     QStringList m_refused;
     int m_rcptAccepted = 0;

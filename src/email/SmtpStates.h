@@ -19,8 +19,8 @@ enum SmtpStateValue : qint16 {
     SMTP_SENT_QUIT = 8,    // awaits the answer to QUIT
     SMTP_SENT_EHLO = 9,    // awaits the answer to EHLO (the server's extensions)
     SMTP_SENT_STARTTLS = 10,
-    SMTP_TLS_HANDSHAKE = 11, // awaits the end of the TLS handshake, no reply
-    SMTP_SENT_AUTH = 12,     // awaits the verdict on AUTH
+    SMTP_TLS_HANDSHAKE = 11,   // awaits the end of the TLS handshake, no reply
+    SMTP_SENT_AUTH = 12,       // awaits the verdict on AUTH
     SMTP_SENT_AUTH_LOGIN = 13, // awaits the prompt for the user name
     SMTP_SENT_AUTH_USER = 14,  // awaits the prompt for the password
     SMTP_GETTING_TOKEN = 15,   // awaits an OAuth2 access token, no reply

@@ -2,15 +2,15 @@
 // and a mail server that never answers.
 
 #include "AlertLink.h"
+#include "Clock.h"
 #include "Database.h"
+#include "EmailDeferral.h"
 #include "EmailQueue.h"
 #include "FormLists.h"
 #include "FormTimers.h"
 #include "Globals.h"
 #include "HeadlessWindow.h"
 #include "LocalSmtpServer.h"
-#include "Clock.h"
-#include "EmailDeferral.h"
 #include "Log.h"
 #include "SendStates.h"
 #include "SendStatus.h"

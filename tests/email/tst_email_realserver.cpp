@@ -176,8 +176,10 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("mode");
         QTest::addColumn<QString>("logged");
-        QTest::newRow("silent") << "silent" << "SMTP_CONNECTING: no reply from the server within 120 s";
-        QTest::newRow("endless") << "endless" << "SMTP_CONNECTING: a reply of the server goes on past 100 lines";
+        QTest::newRow("silent") << "silent"
+                                << "SMTP_CONNECTING: no reply from the server within 120 s";
+        QTest::newRow("endless") << "endless"
+                                 << "SMTP_CONNECTING: a reply of the server goes on past 100 lines";
     }
 
     void brokenServersEndWithinTheTimeOut()
@@ -196,8 +198,9 @@ private Q_SLOTS:
         QVERIFY(elapsed.elapsed() < 5000);
         QVERIFY(!m_outcomes.last().isSent());
         QVERIFY(m_outcomes.last().temporary);
-        QVERIFY2(emailLines().contains(QStringLiteral("EMail Status: Error: ") + logged + QStringLiteral(".  Aborting.")),
-                 qPrintable(emailLines().join(u'\n').right(2000)));
+        QVERIFY2(
+            emailLines().contains(QStringLiteral("EMail Status: Error: ") + logged + QStringLiteral(".  Aborting.")),
+            qPrintable(emailLines().join(u'\n').right(2000)));
         nextMessageIsDelivered();
     }
 
@@ -230,15 +233,14 @@ private Q_SLOTS:
         QTest::addColumn<QString>("logged");
         const int required = int(MailSecurity::StartTlsRequired), implicit = int(MailSecurity::ImplicitTls);
         const int plain = int(MailAuth::Plain), login = int(MailAuth::Login);
-        QTest::newRow("STARTTLS + PLAIN") << "starttls-required" << required << plain << "pw" << true
-                                          << "EMail Status: Sent>> AUTH PLAIN ****";
-        QTest::newRow("STARTTLS + LOGIN") << "starttls-required" << required << login << "pw" << true
-                                          << "EMail Status: Sent>> ****";
-        QTest::newRow("implicit TLS + PLAIN") << "implicit" << implicit << plain << "pw" << true
-                                              << "EMail Status: Sent>> AUTH PLAIN ****";
-        QTest::newRow("wrong password")
-            << "starttls-required" << required << plain << "wrong" << false
-            << "EMail Status: Rcvd<< 535 5.7.8 Authentication credentials invalid";
+        QTest::newRow("STARTTLS + PLAIN")
+            << "starttls-required" << required << plain << "pw" << true << "EMail Status: Sent>> AUTH PLAIN ****";
+        QTest::newRow("STARTTLS + LOGIN")
+            << "starttls-required" << required << login << "pw" << true << "EMail Status: Sent>> ****";
+        QTest::newRow("implicit TLS + PLAIN")
+            << "implicit" << implicit << plain << "pw" << true << "EMail Status: Sent>> AUTH PLAIN ****";
+        QTest::newRow("wrong password") << "starttls-required" << required << plain << "wrong" << false
+                                        << "EMail Status: Rcvd<< 535 5.7.8 Authentication credentials invalid";
     }
 
     void tlsAndAuthentication()

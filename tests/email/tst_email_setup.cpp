@@ -23,12 +23,24 @@ private Q_SLOTS:
         QTest::addColumn<QString>("server");
         QTest::addColumn<QString>("from");
         QTest::addColumn<QString>("named");
-        QTest::newRow("no port") << "mail:" << "a@lab" << "the port after the \":\" is missing";
-        QTest::newRow("port 0") << "host:0" << "a@lab" << "the port must be a number from 1 to 65535";
-        QTest::newRow("open bracket") << "[::1" << "a@lab" << "the \"]\" that closes the address is missing";
-        QTest::newRow("blank in host") << "mail host" << "a@lab" << "is no host name";
-        QTest::newRow("sender with a line break") << "mail:587" << "a@lab\r\nBcc: x@y" << "holds a line break";
-        QTest::newRow("sender with brackets inside") << "mail" << "a@lab>x" << "holds an angle bracket";
+        QTest::newRow("no port") << "mail:"
+                                 << "a@lab"
+                                 << "the port after the \":\" is missing";
+        QTest::newRow("port 0") << "host:0"
+                                << "a@lab"
+                                << "the port must be a number from 1 to 65535";
+        QTest::newRow("open bracket") << "[::1"
+                                      << "a@lab"
+                                      << "the \"]\" that closes the address is missing";
+        QTest::newRow("blank in host") << "mail host"
+                                       << "a@lab"
+                                       << "is no host name";
+        QTest::newRow("sender with a line break") << "mail:587"
+                                                  << "a@lab\r\nBcc: x@y"
+                                                  << "holds a line break";
+        QTest::newRow("sender with brackets inside") << "mail"
+                                                     << "a@lab>x"
+                                                     << "holds an angle bracket";
     }
 
     void unusableServerOrSenderIsRefusedAtAccept()

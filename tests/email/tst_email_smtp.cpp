@@ -84,23 +84,24 @@ private Q_SLOTS:
         QCOMPARE(m_client->wsockctlState(), WinsockState::Closed);
         QCOMPARE(peer.connections(), 1);
         QVERIFY2(peer.mismatches().isEmpty(), qPrintable(peer.mismatches().join(u'\n')));
-        QCOMPARE(withoutDateAndId(peer.received()), QByteArray("HELO chamber.test\r\n"
-                                             "MAIL FROM:<osprel@chamber.test>\r\n"
-                                             "RCPT TO:<ops@chamber.test>\r\n"
-                                             "RCPT TO:<lab@chamber.test>\r\n"
-                                             "DATA\r\n"
-                                             "From: osprel@chamber.test\r\n"
-                                             "Subject: Chamber 3 Chamber Notification: CHAMBER_ALARM\r\n"
-                                             "TO: ops@chamber.test, lab@chamber.test\r\n"
-                                             "Date: <date>\r\n"
-                                             "Message-ID: <id>\r\n"
-                                             "MIME-Version: 1.0\r\n"
-                                             "Content-Type: text/plain; charset=UTF-8\r\n"
-                                             "Content-Transfer-Encoding: quoted-printable\r\n"
-                                             "\r\n"
-                                             "Alarm line\r\n..dot line\r\nLast line\r\n"
-                                             ".\r\n"
-                                             "QUIT\r\n"));
+        QCOMPARE(withoutDateAndId(peer.received()),
+                 QByteArray("HELO chamber.test\r\n"
+                            "MAIL FROM:<osprel@chamber.test>\r\n"
+                            "RCPT TO:<ops@chamber.test>\r\n"
+                            "RCPT TO:<lab@chamber.test>\r\n"
+                            "DATA\r\n"
+                            "From: osprel@chamber.test\r\n"
+                            "Subject: Chamber 3 Chamber Notification: CHAMBER_ALARM\r\n"
+                            "TO: ops@chamber.test, lab@chamber.test\r\n"
+                            "Date: <date>\r\n"
+                            "Message-ID: <id>\r\n"
+                            "MIME-Version: 1.0\r\n"
+                            "Content-Type: text/plain; charset=UTF-8\r\n"
+                            "Content-Transfer-Encoding: quoted-printable\r\n"
+                            "\r\n"
+                            "Alarm line\r\n..dot line\r\nLast line\r\n"
+                            ".\r\n"
+                            "QUIT\r\n"));
 
         const QString sent = QStringLiteral("EMail Status: Sent>> ");
         const QString rcvd = QStringLiteral("EMail Status: Rcvd<< ");

@@ -25,12 +25,12 @@ public:
     {
         QString tls; // "", "starttls", "starttls-required" or "implicit" (with certFile and keyFile)
         QString certFile, keyFile;
-        QStringList users;        // "name:password", for AUTH PLAIN and LOGIN (then AUTH is required)
-        QString xoauth2Tokens;    // a file of accepted XOAUTH2 tokens, one a line (then AUTH is required)
-        int greylist = 0;         // the first this many messages get 451
-        QString refuseRcpt;       // recipients holding this text get 550
-        QString quitReply;        // the answer to QUIT instead of 221
-        QString hostile;          // "silent" or "endless": no SMTP at all
+        QStringList users;     // "name:password", for AUTH PLAIN and LOGIN (then AUTH is required)
+        QString xoauth2Tokens; // a file of accepted XOAUTH2 tokens, one a line (then AUTH is required)
+        int greylist = 0;      // the first this many messages get 451
+        QString refuseRcpt;    // recipients holding this text get 550
+        QString quitReply;     // the answer to QUIT instead of 221
+        QString hostile;       // "silent" or "endless": no SMTP at all
     };
 
     LocalSmtpServer();
