@@ -174,6 +174,23 @@ private Q_SLOTS:
         QVERIFY(queue.isEmpty());
     }
 
+    // Recipients the server refused are named in the history row of a message that went to the others.
+    void refusedRecipientsAreNamedInTheHistory()
+    {
+        LocalSmtpServer::Options options;
+        options.refuseRcpt = QStringLiteral("bob@");
+        LocalSmtpServer server;
+        QString error;
+        QVERIFY2(server.start(options, &error), qPrintable(error));
+        m_window->settings.txtMailServer = server.address();
+        g.gstrEmailRecipients = QStringLiteral("jo@lab; bob@lab; ");
+        m_f->lists.lvwSendEmailQue.add(
+            QStringList{"t", "body", "Chamber 4", "jo@lab; bob@lab; ", "0", "CHAMBER_ALARM", " 7 | | | | ", "7"});
+        runOneJob();
+        QCOMPARE(m_f->lists.lvwHist[0].text(1, 2), QStringLiteral("Sent (refused: bob@lab)"));
+        QVERIFY(m_f->lists.lvwSendEmailQue.isEmpty());
+    }
+
     void theEnableBoxIsStored()
     {
         m_window->email = false;
