@@ -22,7 +22,7 @@ struct MailSettings
     QString password;
     // AUTH PLAIN and LOGIN over a connection that is not encrypted, only when the user asks for it.
     bool allowClearAuth = false;
-    // A CA certificate file (PEM) trusted besides the system's store, and a SHA-256 fingerprint (hex, colons
+    // A CA certificate file (PEM) trusted instead of the system's store, and a SHA-256 fingerprint (hex, colons
     // allowed) of the one server certificate accepted whatever its chain: both for internal relays.
     QString caFile;
     QString pinnedSha256;

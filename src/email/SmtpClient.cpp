@@ -152,7 +152,9 @@ bool SmtpClient::connectToServer(const QString &serverText)
                 failBeforeStart(QStringLiteral("the CA file \"%1\" holds no certificate").arg(m_settings.caFile));
                 return false;
             }
-            configuration.setCaCertificates(configuration.caCertificates() + authorities);
+            // The relay's own CA replaces the system store: an internal relay needs no other, and the handshake
+            // then does not load the system's hundreds of certificates for every message.
+            configuration.setCaCertificates(authorities);
         }
         m_wsockctl.setSslConfiguration(configuration);
         m_wsockctl.setPeerVerifyName(server.host);
