@@ -59,6 +59,8 @@ SmtpClient::SmtpClient(EmailPort &port, QObject *parent) : QObject(parent), m_po
     connect(&m_wsockctl, &QAbstractSocket::connected, this, [this] { armStepTimer(); });
     connect(&m_wsockctl, &QSslSocket::encrypted, this, &SmtpClient::wsockctl_Encrypted);
     connect(&m_wsockctl, &QSslSocket::sslErrors, this, &SmtpClient::wsockctl_SslErrors);
+    connect(&m_wsockctl, &QSslSocket::newSessionTicketReceived, this,
+            [this] { m_tlsResumeTicket = m_wsockctl.sslConfiguration().sessionTicket(); });
     connect(&m_timerTCPConnect, &QTimer::timeout, this, &SmtpClient::TimerTCPConnect_Timer);
     setupTimer(m_timerTCPConnect, QStringLiteral("TimerTCPConnect"), 1000, true);
     m_stepTimer.setSingleShot(true);
@@ -156,6 +158,15 @@ bool SmtpClient::connectToServer(const QString &serverText)
             // then does not load the system's hundreds of certificates for every message.
             configuration.setCaCertificates(authorities);
         }
+        // A session ticket from the last connection to the same server with the same trust lets the next
+        // handshake resume (RFC 8446 section 2.2) instead of verifying the certificate chain and agreeing on new
+        // keys for every message.
+        configuration.setSslOption(QSsl::SslOptionDisableSessionPersistence, false);
+        const QString resumeKey = server.host + u':' + QString::number(server.port) + u'\n' + m_settings.caFile +
+                                  u'\n' + m_settings.pinnedSha256;
+        if (resumeKey == m_tlsResumeKey && !m_tlsResumeTicket.isEmpty())
+            configuration.setSessionTicket(m_tlsResumeTicket);
+        m_tlsResumeKey = resumeKey;
         m_wsockctl.setSslConfiguration(configuration);
         m_wsockctl.setPeerVerifyName(server.host);
     }

@@ -117,6 +117,9 @@ private:
     int m_rcptAccepted = 0;
     bool m_rcptTemporary = false;
     QSet<QString> m_badAddressesLogged;
+    // The TLS session of the last connection, for resuming the next one to the same server.
+    QString m_tlsResumeKey;
+    QByteArray m_tlsResumeTicket;
 };
 
 } // namespace osprel
