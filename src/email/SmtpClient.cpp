@@ -526,12 +526,10 @@ void SmtpClient::sendMessageText()
     SendData(QStringLiteral("From: ") + m_strFrom + kLineEnd);
     SendData("Subject: " + MessageFormat::encodeHeaderValue(Trim(m_strSubject)) + "\r\n");
     SendData(MessageFormat::toField(to) + "\r\n");
-    SendData("Date: " + MessageFormat::dateTime(Clock::now()) + "\r\n");
-    SendData(QStringLiteral("Message-ID: ") + m_messageId + kLineEnd);
-    SendData(QStringLiteral("MIME-Version: 1.0") + kLineEnd);
-    SendData(QStringLiteral("Content-Type: text/plain; charset=UTF-8") + kLineEnd);
-    SendData(QStringLiteral("Content-Transfer-Encoding: ") +
-             (eightBit ? QStringLiteral("8bit") : QStringLiteral("quoted-printable")) + kLineEnd);
+    // The fields the classic message lacked go out as one piece, one log line, as the recipient fields did.
+    SendData("Date: " + MessageFormat::dateTime(Clock::now()) + "\r\nMessage-ID: " + m_messageId.toLatin1() +
+             "\r\nMIME-Version: 1.0\r\nContent-Type: text/plain; charset=UTF-8\r\nContent-Transfer-Encoding: " +
+             (eightBit ? "8bit" : "quoted-printable") + "\r\n");
     SendData("\r\n" + MessageFormat::bodyData(m_strBody, eightBit));
     SendData(QByteArray(".\r\n"), QStringLiteral("End Character"));
 }
