@@ -114,7 +114,9 @@ private Q_SLOTS:
         LocalSmtpServer server;
         QVERIFY(startServer(server, {}));
         m_port.server = server.address();
-        const QString body = QStringLiteral("Temperatur zu hoch: 85 °C = Grenze\r\n.\r\nEnde  \r\n");
+        // "=", a trailing blank, a "." line, and a line that needs soft line breaks.
+        const QString body = QStringLiteral("Temperatur zu hoch: 85 °C = Grenze\r\n.\r\nEnde  \r\n") +
+                             QStringLiteral("ä").repeated(30) + QString(150, u'y') + QStringLiteral("\r\n");
         // A subject long enough for several encoded words, each holding whole characters.
         const QString subject = QStringLiteral("Prüfkammer 3 Öl-Temperatur über Grenzwert ").repeated(4) +
                                 QStringLiteral("Chamber Notification: X");
@@ -125,7 +127,7 @@ private Q_SLOTS:
             QVERIFY2(line.size() <= 77, line.constData());
         const QJsonObject message = readMessage(raw);
         QCOMPARE(message.value("encoding").toString(), QStringLiteral("quoted-printable"));
-        QCOMPARE(message.value("body").toString(), QStringLiteral("Temperatur zu hoch: 85 °C = Grenze\n.\nEnde  \n"));
+        QCOMPARE(message.value("body").toString(), QString(body).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
         QCOMPARE(message.value("subject").toString(), subject);
     }
 
