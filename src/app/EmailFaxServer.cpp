@@ -35,8 +35,8 @@ EmailFaxServer::EmailFaxServer(Log &log, FormLists &lists, const Ports &ports, Q
                    [this] { m_sendStatus.SendStatUpdate(); }),
       m_recipients(m_lists, m_database, ports.recipientsPage, ports.contactEditor, ports.form, ports.form),
       m_prioritySetup(m_priorities, m_alarms, m_lists, m_timers, ports.alarmSetup, ports.priorityPage),
-      m_commSetup(m_database, ports.commSetup), m_supervision(m_lists, m_timers, ports.commSetup, m_link),
-      m_fallback(m_lists, m_timers, ports.commSetup)
+      m_commSetup(m_database, ports.commSetup), m_mailSetup(m_database, ports.email, ports.form, m_secrets),
+      m_supervision(m_lists, m_timers, ports.commSetup, m_link), m_fallback(m_lists, m_timers, ports.commSetup)
 {
     m_sendStatus.setFinalFailureHandler([this](int via, const QStringList &row) {
         if (via == 1) // e-mail
@@ -85,6 +85,7 @@ void EmailFaxServer::Form_Load()
             m_ports.form.showPanelMessage(m_database.newerFileText());
         }
         DBInit(m_database, m_lists, m_ports.commSetup);
+        m_mailSetup.load();
         resumeQueues();
         m_priorities.DBInitAlarmCatSetup();
         m_priorities.DBInitAlarmPriSetup();

@@ -16,11 +16,13 @@
 #include "FaxQueue.h"
 #include "FormLists.h"
 #include "FormTimers.h"
+#include "MailSetup.h"
 #include "Ports.h"
 #include "PrioritySetup.h"
 #include "PriorityStore.h"
 #include "QueueJournal.h"
 #include "Recipients.h"
+#include "SecretStore.h"
 #include "SendStatus.h"
 #include "ServerForm.h"
 #include "SmtpClient.h"
@@ -59,6 +61,7 @@ public:
     Recipients &recipients() { return m_recipients; }
     PrioritySetup &prioritySetup() { return m_prioritySetup; }
     CommSetup &commSetup() { return m_commSetup; }
+    MailSetup &mailSetup() { return m_mailSetup; }
     FaxEngine &faxEngine() { return m_faxEngine; }
     FaxFinder &faxFinder() { return m_faxFinder; }
     FaxDevice &faxDevice() { return m_faxDevice; }
@@ -124,6 +127,8 @@ private:
     Recipients m_recipients;
     PrioritySetup m_prioritySetup;
     CommSetup m_commSetup;
+    SecretStore m_secrets;
+    MailSetup m_mailSetup;
     Supervision m_supervision;
     Fallback m_fallback;
     bool m_loading = false;

@@ -2,6 +2,8 @@
 
 #include "AlertLink.h"
 #include "Database.h"
+#include "Clock.h"
+#include "EmailDeferral.h"
 #include "ErrorReport.h"
 #include "FaxLine.h"
 #include "FormLists.h"
@@ -38,6 +40,7 @@ SendStatus::SendStatus(FormLists &lists, FormTimers &timers, const Database &dat
     : m_lists(lists), m_timers(timers), m_database(database), m_link(link), m_smtp(smtp), m_tray(tray), m_port(port)
 {
     m_smtpOutcomes = QObject::connect(&m_smtp, &SmtpClient::finished, &m_smtp, [this](const SendOutcome &outcome) {
+        m_emailOutcome = outcome;
         m_emailReason = outcome.reason;
         recordEmailOutcome(outcome);
         SendStatUpdate();
@@ -121,13 +124,16 @@ void SendStatus::emailSending()
     if (!m_lists.lvwHist[0].isEmpty())
         m_lists.lvwHist[0].setText(1, kStatusColumn, QStringLiteral("Sending"));
     g.glngEmailTicks += 1;
-    if (g.glngEmailTicks >= kEmailGiveUpTicks) {
+    // An SMTP session bounds every step with its own time-out and always ends with an outcome; cutting it here
+    // could send a slow server's message a second time. The give-up stays for everything else.
+    if (g.glngEmailTicks >= kEmailGiveUpTicks && m_smtp.SmtpState() == 0) {
         DumpStr(QStringLiteral("EMail Status: Error: no outcome after ") + QString::number(kEmailGiveUpTicks) +
                     QStringLiteral(" status checks.  Aborting."),
                 Log::EmailList);
         m_emailReason =
             QStringLiteral("no outcome after ") + QString::number(kEmailGiveUpTicks) + QStringLiteral(" status checks");
         g.gintEmailSendState = Failed;
+        m_emailOutcome = SendOutcome::failed(QStringLiteral("no outcome"));
         g.glngEmailTicks = 0;
         m_smtp.abort(); // closes the socket and sets SmtpState to 0
     }
@@ -150,7 +156,10 @@ void SendStatus::emailSent()
     if (g.gintIconState != 2)
         g.gintIconState = 1;
     m_tray.IconUpdate();
-    m_lists.lvwHist[0].setText(1, kStatusColumn, QStringLiteral("Sent"));
+    // Recipients the server refused are named: "Sent (refused: bob@example.com)".
+    const QString refused = m_emailOutcome.isSent() ? m_emailOutcome.reason : QString();
+    m_lists.lvwHist[0].setText(1, kStatusColumn,
+                               refused.isEmpty() ? QStringLiteral("Sent") : QStringLiteral("Sent (%1)").arg(refused));
     if (!m_lists.lvwSendEmailQue.isEmpty()) {
         m_link.Vantor32Reply(ViaEmail, true); // before the row goes: the reply reads its alert number
         m_lists.lvwSendEmailQue.remove(1);
@@ -177,9 +186,25 @@ void SendStatus::emailFailed()
     ListStore &history = m_lists.lvwHist[0];
     if (!history.isEmpty())
         history.setNote(1, m_emailReason);
+    ListStore &queue = m_lists.lvwSendEmailQue;
+    // A temporary failure (4xx, a dropped connection, a time-out) waits for a later try, until the kill time.
+    if (m_emailOutcome.temporary && !queue.isEmpty()) {
+        QString status;
+        if (deferTopJob(queue, m_emailOutcome.reason, m_smtp.mailSettings().killTimeMinutes, Clock::now(), &status)) {
+            history.setText(1, kStatusColumn, status);
+            DumpStr(QStringLiteral("EMail Status: ") + status, Log::EmailList);
+            switchOn(m_timers.TimerEmailMsgQue);
+            g.gintEmailSendState = Idle;
+            m_tray.IconUpdate();
+            return;
+        }
+        g.glngEmailAttempts = 2; // the kill time has passed: this is the final failure
+    }
     if (g.glngEmailAttempts < 2) {
         history.setText(1, kStatusColumn, QStringLiteral("Attempt %1 Failed").arg(g.glngEmailAttempts + 1));
         g.glngEmailAttempts += 1;
+        if (!queue.isEmpty())
+            queue.setText(1, EmailJobColumn::Attempts, QString::number(g.glngEmailAttempts));
         switchOn(m_timers.TimerEmailMsgQue);
     } else {
         history.setText(1, kStatusColumn, QStringLiteral("Attempt 3 Failed"));

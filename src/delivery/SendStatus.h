@@ -4,6 +4,8 @@
 // queue timers, and the reply to the chamber program. Guarded against being re-entered from an event handled
 // while it runs. It takes the SMTP client's outcomes itself: each is recorded and refreshed at once.
 
+#include "SendOutcome.h"
+
 #include <QObject>
 
 #include <QStringList>
@@ -67,6 +69,7 @@ private:
     FinalFailure m_finalFailure;
     FaxLine *m_faxLine = nullptr;
     QMetaObject::Connection m_smtpOutcomes;
+    SendOutcome m_emailOutcome; // the SMTP client's last outcome: temporary or not, and whom the server refused
     bool gblnStatusUpdating = false;
     // The reason of the latest failure, shown beside "Send Failed" and as the history row's tooltip.
     QString m_emailReason;

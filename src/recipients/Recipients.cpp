@@ -1,5 +1,7 @@
 #include "Recipients.h"
 
+#include "MailAddress.h"
+
 #include "Database.h"
 #include "ErrorReport.h"
 #include "FormLists.h"
@@ -131,12 +133,14 @@ void Recipients::cmdEdit_Click()
 
 QString Recipients::validate(const ContactFields &f) const
 {
-    const QString email = Trim(f.Email);
+    // A domain without a dot (user@localhost, a lab's own mail host) is an address like any other.
+    const QString email = normalizeAddress(f.Email);
     if (!email.isEmpty()) {
-        if (!email.contains(u'.'))
-            return QStringLiteral("The email address must contain a '.' symbol.");
         if (!email.contains(u'@'))
             return QStringLiteral("The email address must contain an '@' symbol.");
+        const QString problem = addressProblem(email);
+        if (!problem.isEmpty())
+            return QStringLiteral("The email address cannot be used: ") + problem + u'.';
     }
     const QString ac = Trim(f.FaxAC), middle = Trim(f.Fax3D), last = Trim(f.Fax4D);
     if (!ac.isEmpty() || !middle.isEmpty() || !last.isEmpty()) {
@@ -155,7 +159,7 @@ void Recipients::cmdContactsOK_Click()
         RecipientRec rec;
         rec.LastName = Trim(f.LName);
         rec.FirstName = Trim(f.FName);
-        rec.EmailName = Trim(f.Email);
+        rec.EmailName = normalizeAddress(f.Email); // "<a@b>" is stored as a@b
         rec.FaxNumber = Trim(f.FaxAC) + Trim(f.Fax3D) + Trim(f.Fax4D);
         rec.Notes = Trim(f.Notes);
         const QString problem = validate(f);

@@ -30,6 +30,13 @@ const QList<Migration> &migrations()
          {QStringLiteral("CREATE TABLE IF NOT EXISTS QueueRows (Queue TEXT NOT NULL, Position REAL NOT NULL,"
                          " Columns TEXT NOT NULL)"),
           QStringLiteral("CREATE INDEX IF NOT EXISTS QueueRowsByPosition ON QueueRows (Queue, Position)")}},
+        // 3: how the SMTP client reaches the mail server (security, authentication, time-outs); secrets stay out.
+        {3,
+         {QStringLiteral("CREATE TABLE IF NOT EXISTS MailServerSecurity (Security INTEGER DEFAULT 0, Auth INTEGER "
+                         "DEFAULT 0, UserName TEXT, AllowClearAuth INTEGER DEFAULT 0, CaFile TEXT, PinnedSha256 TEXT, "
+                         "TokenSource INTEGER DEFAULT 0, TokenUrl TEXT, Tenant TEXT, ClientId TEXT, Scope TEXT, "
+                         "TokenCommand TEXT, ConnectTimeout INTEGER DEFAULT 30, ReplyTimeout INTEGER DEFAULT 120, "
+                         "DotTimeout INTEGER DEFAULT 600, KillTimeMinutes INTEGER DEFAULT 240)")}},
     };
     return list;
 }

@@ -9,6 +9,7 @@
 #include "pages/ContactEditor.h"
 #include "pages/HistoryPage.h"
 #include "pages/LevelFrame.h"
+#include "pages/MailSecurityPanel.h"
 #include "pages/PriorityPage.h"
 #include "pages/QueuePanel.h"
 #include "pages/RecipientsPage.h"
@@ -65,8 +66,17 @@ void wireCommSetup(MainWindow &window, EmailFaxServer &server)
                      [&server] { server.emailQueue().chkEnableEmail_Click(); });
     for (QLineEdit *box : {page.txtMailServer, page.txtFrom, page.txtFromName, page.txtFaxStation})
         QObject::connect(box, &QLineEdit::textEdited, &window, [&server] { server.commSetup().SetCommSetupChanged(); });
-    onClick(page.cmdAcceptCommSetup, window, [&server] { server.commSetup().cmdAcceptCommSetup_Click(); });
-    onClick(page.cmdCancelCommSetup, window, [&server] { server.commSetup().cmdCancelCommSetup_Click(); });
+    QObject::connect(page.fraMailSecurity, &MailSecurityPanel::edited, &window,
+                     [&server] { server.commSetup().SetCommSetupChanged(); });
+    // The mail fields are checked first: a server or sender that cannot be used is refused, and nothing is stored.
+    onClick(page.cmdAcceptCommSetup, window, [&server] {
+        if (server.mailSetup().accept())
+            server.commSetup().cmdAcceptCommSetup_Click();
+    });
+    onClick(page.cmdCancelCommSetup, window, [&server] {
+        server.mailSetup().cancel();
+        server.commSetup().cmdCancelCommSetup_Click();
+    });
 }
 
 void wireFax(MainWindow &window, EmailFaxServer &server)

@@ -261,10 +261,10 @@ private:
     void startAttempt(int histIndex, const QString &address)
     {
         const ListStore &queue = histIndex == 0 ? m_f->lists.lvwSendEmailQue : m_f->lists.lvwSendFaxQue;
-        m_f->lists.lvwHist[histIndex].insert(1, QStringList{QStringLiteral("now"), QStringLiteral("Sending"),
-                                                            QStringLiteral("Chamber 4"), address,
-                                                            QStringLiteral("high"), QStringLiteral("CHAMBER_ALARM"),
-                                                            QStringLiteral("t"), queue.text(1, queue.columnCount())});
+        m_f->lists.lvwHist[histIndex].insert(
+            1, QStringList{QStringLiteral("now"), QStringLiteral("Sending"), QStringLiteral("Chamber 4"), address,
+                           QStringLiteral("high"), QStringLiteral("CHAMBER_ALARM"), QStringLiteral("t"),
+                           queue.text(1, histIndex == 0 ? 8 : 10)});
     }
     static QStringList column(const ListStore &list, int column)
     {

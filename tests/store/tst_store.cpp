@@ -170,7 +170,7 @@ private Q_SLOTS:
         const QString report = QStringLiteral("# Vantor 32 Hourly Report #\r\n# High Priority Setting #\r\n\r\n") +
                                QStringLiteral("comm error") + kSeparator + QStringLiteral("chamber alarm") + kSeparator;
         QCOMPARE(m_lists->lvwSendEmailQue.count(), 1);
-        QCOMPARE(m_lists->lvwSendEmailQue.row(1).mid(1),
+        QCOMPARE(m_lists->lvwSendEmailQue.row(1).mid(1, 7),
                  QStringList({report, "Hourly Report", "jo@lab; ", "0", "*", "*|Hourly Report|*|*|*|*", "*"}));
         QCOMPARE(m_lists->lvwSendFaxQue.count(), 3);
         QCOMPARE(m_lists->lvwSendFaxQue.row(3).mid(1), QStringList({report, "Hourly Report", "555000Cy", "0", "*",

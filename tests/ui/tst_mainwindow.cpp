@@ -83,7 +83,9 @@ private Q_SLOTS:
         QVERIFY(m_log->functErr().isEmpty());
 
         FormLists &lists = m_server->lists();
-        QCOMPARE(lists.lvwSendEmailQue.columnCount(), 8);
+        // The eight columns a job is queued with, then its delivery state.
+        QCOMPARE(lists.lvwSendEmailQue.columnCount(), 13);
+        QCOMPARE(lists.lvwSendEmailQue.header(10), QStringLiteral("Next Try"));
         QCOMPARE(lists.lvwSendFaxQue.columnCount(), 10);
         QCOMPARE(lists.lvwSendEmailQue.header(8), QStringLiteral("Alarm ID"));
         QCOMPARE(lists.lvwSendFaxQue.header(10), QStringLiteral("Alarm ID"));

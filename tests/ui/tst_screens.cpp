@@ -50,7 +50,8 @@ private Q_SLOTS:
         QVERIFY(widget("picContacts")->isVisible());
         QCOMPARE(m_window->focusWidget(), widget("txtContactsFName"));
         const QList<std::pair<QStringList, QString>> cases = {
-            {{"Ann", "Lee", "ann@lab", "", "", ""}, "The email address must contain a '.' symbol."},
+            {{"Ann", "Lee", "ann@lab> RCPT TO:<x@y", "", "", ""},
+             "The email address cannot be used: the address holds an angle bracket."},
             {{"Ann", "Lee", "ann.lab", "", "", ""}, "The email address must contain an '@' symbol."},
             {{"Ann", "Lee", "", "12", "", ""}, "The fax number must have the numeric format ### ### ####."},
             {{"", "Lee", "", "", "", ""}, "Both first and last name fields must be completed."},
@@ -259,6 +260,25 @@ private Q_SLOTS:
         click("cmdCancelCommSetup");
         QCOMPARE(server->text(), QStringLiteral("mail.lab.example:2525"));
         QVERIFY(!m_window->findChild<QPushButton *>(QStringLiteral("cmdAcceptCommSetup"))->isEnabled());
+
+        // The mail security fields take part in the same change tracking and are stored in their own table.
+        auto *security = m_window->findChild<QComboBox *>(QStringLiteral("cboMailSecurity"));
+        security->setFocus();
+        QTest::keyClick(security, Qt::Key_Down);
+        QVERIFY(m_window->findChild<QPushButton *>(QStringLiteral("cmdAcceptCommSetup"))->isEnabled());
+        click("cmdAcceptCommSetup");
+        QCOMPARE(scalar("SELECT Security FROM MailServerSecurity"), QVariant(1));
+
+        // A server text that cannot be used is refused with a message naming the problem, and nothing is stored.
+        server->selectAll();
+        QTest::keyClicks(server, QStringLiteral("mail:"));
+        click("cmdAcceptCommSetup");
+        auto *box = m_window->findChild<QMessageBox *>(QStringLiteral("messageBox"));
+        QVERIFY(box && box->isVisible());
+        QVERIFY2(box->text().contains(QStringLiteral("the port after the \":\" is missing")), qPrintable(box->text()));
+        box->close();
+        QCOMPARE(scalar("SELECT EmailServer FROM SetupComm"), QVariant("mail.lab.example:2525"));
+        QVERIFY(m_window->findChild<QPushButton *>(QStringLiteral("cmdAcceptCommSetup"))->isEnabled());
     }
 
 private:
