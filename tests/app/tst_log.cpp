@@ -96,6 +96,12 @@ private Q_SLOTS:
         QCOMPARE(m_log->lstStatus()->stringList().last(), QStringLiteral("lost to the file"));
         QCOMPARE(m_log->functErr(), QStringLiteral("Logging Error in DumpStr() 53: File not found"));
         QVERIFY(!QFile::exists(m_log->logPath()));
+
+        // A log put back (by an operator or a restore) takes the next line; the removed one is not written to.
+        writeLines(m_log->logPath(), 100, 1000);
+        DumpStr(QStringLiteral("back in the file"));
+        QVERIFY(readAll(m_log->logPath()).endsWith("back in the file\r\n"));
+        QCOMPARE(QFileInfo(m_log->logPath()).size(), 1000 + 18);
     }
 
     void errorReportsHaveTheFixedForm()

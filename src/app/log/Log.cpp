@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <cstdio>
+#include <sys/stat.h>
 
 namespace osprel {
 
@@ -92,10 +93,7 @@ void Log::DumpStr(QString &strMsg, qint16 intList)
         addToList(m_lists[2], strMsg);
 
         // Reading the size of a missing log fails: the message then reaches the lists only.
-        const QFileInfo info(logPath());
-        if (!info.exists())
-            raise(Err::FileNotFound);
-        if (info.size() > kTrimAbove)
+        if (logSize() > kTrimAbove)
             trimLogFile();
         appendLine(strMsg);
     } catch (const RunError &e) {
@@ -128,6 +126,7 @@ void Log::addToList(QStringListModel &list, const QString &message)
 // newest lines. The rule is old and keeps far less than it could at times; operators know the log by it.
 void Log::trimLogFile()
 {
+    m_file.close(); // the trimmed copy takes the log's place
     QFile log(logPath());
     QFile work(workPath());
     openOrRaise(log, QIODevice::ReadOnly);
@@ -153,11 +152,37 @@ void Log::trimLogFile()
     QFile::remove(workPath());
 }
 
+// The log stays open between lines: opening, closing and looking the file up for every line cost more than
+// the rest of a busy delivery. One fstat tells its size and whether someone removed it meanwhile.
+qint64 Log::logSize()
+{
+    if (m_file.isOpen()) {
+        struct stat st;
+        if (::fstat(m_file.handle(), &st) == 0 && st.st_nlink > 0)
+            return st.st_size;
+        m_file.close(); // removed or replaced: look for it again by name
+    }
+    const QFileInfo info(logPath());
+    if (!info.exists())
+        raise(Err::FileNotFound);
+    return info.size();
+}
+
 void Log::appendLine(const QString &line)
 {
-    QFile log(logPath());
-    openOrRaise(log, QIODevice::WriteOnly | QIODevice::Append);
-    writeOrRaise(log, line.toUtf8() + kLineEnd);
+    if (!m_file.isOpen()) {
+        m_file.setFileName(logPath());
+        openOrRaise(m_file, QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered);
+    }
+    const QByteArray bytes = line.toUtf8() + kLineEnd;
+    if (m_file.write(bytes) != bytes.size()) {
+        const QFileDevice::FileError error = m_file.error();
+        m_file.close();
+        m_file.unsetError();
+        if (error == QFileDevice::PermissionsError)
+            raise(Err::PermissionDenied);
+        raise(Err::DeviceIoError);
+    }
 }
 
 void DumpStr(QString &strMsg, qint16 intList)

@@ -2,6 +2,7 @@
 // The server's one diagnostic channel: DumpStr shows a message in the status lists and appends it to
 // EMailFaxLog.txt in the data folder, trimming the file when it grows past 512000 bytes.
 
+#include <QFile>
 #include <QObject>
 #include <QStringListModel>
 
@@ -48,10 +49,12 @@ private:
     void addToList(QStringListModel &list, const QString &message);
     void trimLogFile();
     void appendLine(const QString &line);
+    qint64 logSize();
 
     QString m_folder;
     QStringListModel m_lists[3];
     QString m_functErr;
+    QFile m_file; // the log, open for appending once a line was written
 };
 
 // DumpStr through the log in use; without one the message goes to stderr.
