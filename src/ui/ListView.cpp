@@ -31,14 +31,19 @@ ListView::ListView(ListStore &store, Refresh refresh, QWidget *parent) : QTableV
     horizontalHeader()->setStretchLastSection(true);
     connect(model, &QAbstractItemModel::columnsInserted, this, &ListView::applyWidths);
     connect(model, &QAbstractItemModel::modelReset, this, &ListView::applyWidths);
-    // Columns widen to what they hold, once per batch of changes.
+    // Columns widen to what they hold, at most a few times a second: measuring the rows costs more than a busy
+    // queue's own work, and a later change never postpones a pending fit.
     m_fitTimer.setSingleShot(true);
-    m_fitTimer.setInterval(0);
+    m_fitTimer.setInterval(kFitIntervalMs);
     connect(&m_fitTimer, &QTimer::timeout, this, &ListView::fitToContents);
+    const auto fitSoon = [this] {
+        if (!m_fitTimer.isActive())
+            m_fitTimer.start();
+    };
     for (auto signal : {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved})
-        connect(model, signal, &m_fitTimer, qOverload<>(&QTimer::start));
-    connect(model, &QAbstractItemModel::dataChanged, &m_fitTimer, qOverload<>(&QTimer::start));
-    connect(model, &QAbstractItemModel::modelReset, &m_fitTimer, qOverload<>(&QTimer::start));
+        connect(model, signal, this, fitSoon);
+    connect(model, &QAbstractItemModel::dataChanged, this, fitSoon);
+    connect(model, &QAbstractItemModel::modelReset, this, fitSoon);
     applyWidths();
 }
 
@@ -63,7 +68,7 @@ void ListView::fitToContents()
 void ListView::showEvent(QShowEvent *event)
 {
     QTableView::showEvent(event);
-    m_fitTimer.start();
+    fitToContents();
 }
 
 void ListView::applyWidths()

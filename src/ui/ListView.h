@@ -29,6 +29,7 @@ protected:
 
 private:
     static constexpr int kMaxFittedWidth = 420;
+    static constexpr int kFitIntervalMs = 250;
     void applyWidths();
     QTimer m_fitTimer;
 };
