@@ -14,6 +14,7 @@
 #include "Values.h"
 #include "WinsockState.h"
 
+#include <QFileInfo>
 #include <QSslConfiguration>
 
 namespace osprel {
@@ -122,6 +123,19 @@ void SmtpClient::abort()
     m_systemMail.abort();
 }
 
+// The CA file is read again only when it changed: parsing it for every message cost more than the rest of the
+// session's work on a busy queue.
+const QList<QSslCertificate> &SmtpClient::caCertificates(const QString &path)
+{
+    const QDateTime modified = QFileInfo(path).lastModified();
+    if (path != m_caPath || modified != m_caModified || !modified.isValid()) {
+        m_caCertificates = QSslCertificate::fromPath(path, QSsl::Pem);
+        m_caPath = path;
+        m_caModified = modified;
+    }
+    return m_caCertificates;
+}
+
 bool SmtpClient::connectToServer(const QString &serverText)
 {
     const QString problem = MailServerAddress::problem(serverText);
@@ -149,7 +163,7 @@ bool SmtpClient::connectToServer(const QString &serverText)
         }
         QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
         if (!m_settings.caFile.isEmpty()) {
-            const QList<QSslCertificate> authorities = QSslCertificate::fromPath(m_settings.caFile, QSsl::Pem);
+            const QList<QSslCertificate> &authorities = caCertificates(m_settings.caFile);
             if (authorities.isEmpty()) {
                 failBeforeStart(QStringLiteral("the CA file \"%1\" holds no certificate").arg(m_settings.caFile));
                 return false;

@@ -9,8 +9,10 @@
 #include "SmtpReplyReader.h"
 #include "SystemMail.h"
 
+#include <QDateTime>
 #include <QObject>
 #include <QSet>
+#include <QSslCertificate>
 #include <QSslError>
 #include <QSslSocket>
 #include <QTimer>
@@ -63,6 +65,7 @@ private:
     void stepTimedOut();
 
     bool connectToServer(const QString &serverText);
+    const QList<QSslCertificate> &caCertificates(const QString &path);
     void onReply(qint16 code);
     void onEhloReply(qint16 code);
     void afterHello();
@@ -120,6 +123,9 @@ private:
     // The TLS session of the last connection, for resuming the next one to the same server.
     QString m_tlsResumeKey;
     QByteArray m_tlsResumeTicket;
+    QString m_caPath; // the CA file last read, when it was modified, and what it held
+    QDateTime m_caModified;
+    QList<QSslCertificate> m_caCertificates;
 };
 
 } // namespace osprel
