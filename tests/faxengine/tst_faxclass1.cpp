@@ -1,9 +1,13 @@
 // The Class 1 driver end to end: faxes sent by the engine through the software modem (spandsp T.31) to a T.30
 // terminal that stores them; call failures; stopping a call.
 
+#include "Clock.h"
 #include "EventLog.h"
 #include "FaxCodes.h"
+#include "FaxDocument.h"
 #include "FaxEngine.h"
+#include "FaxHeader.h"
+#include "GlyphCache.h"
 #include "SoftModem.h"
 
 #include <QElapsedTimer>
@@ -70,7 +74,10 @@ private Q_SLOTS:
         EventLog log(&engine);
         engine.setPort(modem.linkPath());
         engine.setFaxClass(FaxEngine::Class1);
-        engine.setStationId(QStringLiteral("+1 555 0100"));
+        const QString station = QStringLiteral("+1 555 0100 Osprel Lab");
+        const QDateTime sent(QDate(2026, 11, 23), QTime(10, 15));
+        Clock::setSource([sent] { return sent; });
+        engine.setStationId(station);
         engine.setNumber(QStringLiteral("15550199"));
         engine.setFileToSend(image);
         QCOMPARE(engine.state(), int(FaxEngine::Idle));
@@ -103,7 +110,20 @@ private Q_SLOTS:
         QCOMPARE(r.width, 1728);
         QCOMPARE(r.remoteId, QStringLiteral("+1 555 0100"));
         modem.stop();
+        Clock::setSource({});
         QCOMPARE(tiffPages(received), pages);
+        // Each received page begins with its header line, pel for pel as drawn for it.
+        FaxDocument got;
+        QVERIFY2(got.open(received, &error), qPrintable(error));
+        GlyphCache glyphs(FaxHeader::kFontPixels);
+        for (int p = 0; p < pages; ++p) {
+            FaxPageImage band;
+            band.rows = FaxHeader::kBandRows;
+            band.bits = QByteArray(band.rows * FaxPageImage::kRowBytes, '\0');
+            FaxHeader::stamp(band, FaxHeader::text(station, sent, p + 1, pages), glyphs);
+            QVERIFY(band.bits.count('\0') < band.bits.size());
+            QVERIFY2(got.page(p).bits.left(band.bits.size()) == band.bits, qPrintable(QString::number(p + 1)));
+        }
         // OSPREL_FAX_KEEP=dir keeps what was sent and received, to look at.
         if (qEnvironmentVariableIsSet("OSPREL_FAX_KEEP")) {
             const QDir keep(qEnvironmentVariable("OSPREL_FAX_KEEP"));

@@ -22,12 +22,35 @@ int frameMs(int octets)
 
 const char *Class1Session::stateName(State s)
 {
-    static const char *const names[] = {
-        "Idle",          "Reset",           "SetClass",      "QueryModulations", "Dial",          "PhaseBConnect",
-        "PhaseBFrame",   "TsiConnect",      "TsiSent",       "DcsSent",          "TcfPause",      "TcfConnect",
-        "TcfSent",       "TrainingConnect", "TrainingFrame", "PagePause",        "PageConnect",   "PageSent",
-        "PostPagePause", "PostPageConnect", "PostPageSent",  "ResponseConnect",  "ResponseFrame", "DcnConnect",
-        "DcnSent",       "Hangup",          "Done"};
+    static const char *const names[] = {"Idle",
+                                        "Reset",
+                                        "FlowControl",
+                                        "SetClass",
+                                        "QueryModulations",
+                                        "Dial",
+                                        "PhaseBConnect",
+                                        "PhaseBFrame",
+                                        "TsiSilence",
+                                        "TsiConnect",
+                                        "TsiSent",
+                                        "DcsSent",
+                                        "TcfPause",
+                                        "TcfConnect",
+                                        "TcfSent",
+                                        "TrainingConnect",
+                                        "TrainingFrame",
+                                        "PagePause",
+                                        "PageConnect",
+                                        "PageSent",
+                                        "PostPagePause",
+                                        "PostPageConnect",
+                                        "PostPageSent",
+                                        "ResponseConnect",
+                                        "ResponseFrame",
+                                        "DcnConnect",
+                                        "DcnSent",
+                                        "Hangup",
+                                        "Done"};
     static_assert(sizeof names / sizeof names[0] == int(State::Done) + 1, "one name per state");
     return names[int(s)];
 }
@@ -38,7 +61,16 @@ Class1Session::Class1Session(SerialLine *line, FaxJob job, QObject *parent) : Fa
 
 void Class1Session::begin()
 {
-    enter(job().initString.trimmed().isEmpty() ? State::SetClass : State::Reset);
+    enter(job().initString.trimmed().isEmpty() ? State::FlowControl : State::Reset);
+}
+
+void Class1Session::pause(int delay, State next)
+{
+    if (delay <= 0) {
+        enter(next);
+        return;
+    }
+    at().atCmd("AT+FTS=" + QByteArray::number(delay), AtResponse::Ok, kCommandMs);
 }
 
 QString Class1Session::rateText() const
@@ -63,6 +95,9 @@ void Class1Session::enter(State s)
     case State::Reset:
         at().atCmd(job().initString.trimmed().toLatin1(), AtResponse::Ok, kCommandMs);
         return;
+    case State::FlowControl:
+        at().atCmd(job().profile.flowCommandFor(1), AtResponse::Ok, kCommandMs);
+        return;
     case State::SetClass:
         at().atCmd("AT+FCLASS=1", AtResponse::Ok, kCommandMs);
         return;
@@ -83,6 +118,13 @@ void Class1Session::enter(State s)
     case State::ResponseFrame:
         at().receiveData(kFrameMs);
         return;
+    case State::TsiSilence:
+        // T.30: our answer starts 75 ms +-20 ms after the received frame ends; +FRS waits for that silence.
+        if (job().profile.frsDelay <= 0)
+            enter(State::TsiConnect);
+        else
+            at().atCmd("AT+FRS=" + QByteArray::number(job().profile.frsDelay), AtResponse::Ok, kCommandMs);
+        return;
     case State::TsiConnect:
     case State::PostPageConnect:
     case State::DcnConnect:
@@ -94,18 +136,24 @@ void Class1Session::enter(State s)
     case State::DcsSent:
         sendFrame(Fcf::DCS, T30Params::dcs(*m_mod, m_fine, m_minScanMs), true, AtResponse::Ok);
         return;
+    // T.30: 75 ms +-20 ms of silence between the frames and the high-speed signal. TCF follows DCS that closely; the
+    // round trip of +FTM adds to the pause before it, which is why that one is shorter by default.
     case State::TcfPause:
+        pause(job().profile.tcfDelay, State::TcfConnect);
+        return;
     case State::PagePause:
+        pause(job().profile.ftsDelay, State::PageConnect);
+        return;
     case State::PostPagePause:
-        // T.30: 75 ms +-20 ms of silence between the frames and the high-speed signal.
-        at().atCmd("AT+FTS=8", AtResponse::Ok, kCommandMs);
+        pause(job().profile.ftsDelay, State::PostPageConnect);
         return;
     case State::TcfConnect:
         at().atCmd("AT+FTM=" + QByteArray::number(m_mod->trainingCode), AtResponse::Connect, kCommandMs);
         return;
     case State::TcfSent: {
         const int octets = m_mod->bitRate * kTcfMs / 8000;
-        at().sendData(QByteArray(octets, '\0'), QByteArray("\x10\x03", 2), AtResponse::Ok, kTcfMs + 8000);
+        at().sendData(QByteArray(octets, '\0'), QByteArray("\x10\x03", 2), AtResponse::Ok, kTcfMs + 8000,
+                      job().profile.softwareFlow());
         return;
     }
     case State::PageConnect:
@@ -113,7 +161,7 @@ void Class1Session::enter(State s)
         return;
     case State::PageSent: {
         const int ms = int(qint64(m_pageData.size()) * 8000 / m_mod->bitRate) + 15000;
-        at().sendData(m_pageData, QByteArray("\x10\x03", 2), AtResponse::Ok, ms);
+        at().sendData(m_pageData, QByteArray("\x10\x03", 2), AtResponse::Ok, ms, job().profile.softwareFlow());
         return;
     }
     case State::PostPageSent:
@@ -143,10 +191,16 @@ void Class1Session::onReply(const AtReply &r)
         return;
     case State::Reset:
         if (r.is(AtResponse::Ok))
-            enter(State::SetClass);
+            enter(State::FlowControl);
         else
             fail(r.is(AtResponse::Timeout) ? FaxError::NoResponse : FaxError::ModemError,
                  QStringLiteral("init string answered ") + QLatin1String(atResponseName(r.result)), false);
+        return;
+    case State::FlowControl:
+        // A modem that keeps its own flow control can still send; the log says so.
+        if (!r.is(AtResponse::Ok))
+            Q_EMIT notice(QString::fromLatin1(job().profile.flowCommandFor(1)) + QStringLiteral(" not accepted"));
+        enter(State::SetClass);
         return;
     case State::SetClass:
         if (r.is(AtResponse::Ok))
@@ -182,6 +236,9 @@ void Class1Session::onReply(const AtReply &r)
         return;
     case State::PhaseBFrame:
         onPhaseBFrame(r);
+        return;
+    case State::TsiSilence:
+        enter(State::TsiConnect);
         return;
     case State::TsiConnect:
         if (r.is(AtResponse::Connect))
@@ -356,7 +413,7 @@ void Class1Session::retrain(bool fallBack)
         m_dcsTries = 0;
     }
     Q_EMIT status(FaxStatus::Training, QStringLiteral("Training at %1 bit/s").arg(m_mod->bitRate));
-    enter(State::TsiConnect);
+    enter(State::TsiSilence);
 }
 
 void Class1Session::onTrainingFrame(const AtReply &r)

@@ -78,7 +78,19 @@ bool FaxDocument::open(const QString &path, QString *error)
     return true;
 }
 
-QByteArray FaxDocument::encodePage(int i, bool fine, int minBytesPerLine) const
+QByteArray FaxDocument::reverseBits(const QByteArray &data)
+{
+    QByteArray out(data.size(), '\0');
+    for (int i = 0; i < data.size(); ++i) {
+        uchar b = uchar(data.at(i)), r = 0;
+        for (int bit = 0; bit < 8; ++bit)
+            r = uchar(r | (((b >> bit) & 1) << (7 - bit)));
+        out[i] = char(r);
+    }
+    return out;
+}
+
+QByteArray FaxDocument::encodePage(int i, bool fine, int minBytesPerLine, bool rtc) const
 {
     const FaxPageImage &page = m_pages.at(i);
     const qint64 minBits = qint64(minBytesPerLine) * 8;
@@ -101,8 +113,9 @@ QByteArray FaxDocument::encodePage(int i, bool fine, int minBytesPerLine) const
         if (!page.fine && fine)
             codeLine(y); // 3.85 to 7.7 lines/mm: each line twice
     }
-    for (int k = 0; k < 5; ++k) // with the last line's EOL: RTC
-        out.put(MhEncoder::kEol, MhEncoder::kEolBits);
+    if (rtc)
+        for (int k = 0; k < 5; ++k) // with the last line's EOL: RTC
+            out.put(MhEncoder::kEol, MhEncoder::kEolBits);
     return out.take();
 }
 

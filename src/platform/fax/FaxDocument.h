@@ -25,11 +25,15 @@ public:
     bool open(const QString &path, QString *error);
     int pageCount() const { return int(m_pages.size()); }
     const FaxPageImage &page(int i) const { return m_pages.at(i); }
+    FaxPageImage &page(int i) { return m_pages[i]; }
 
     // T.4 MH data of page i as the modem sends it (first bit in the lowest bit of each octet): an EOL, each line
     // padded with fill bits to minBytesPerLine (T.4 4.1.3) and ended by an octet-aligned EOL, then RTC (six EOLs,
-    // T.4 4.1.4). A page is thinned or doubled to the negotiated vertical resolution.
-    QByteArray encodePage(int i, bool fine, int minBytesPerLine) const;
+    // T.4 4.1.4; left out with rtc false, for modems that append it). A page is thinned or doubled to the negotiated
+    // vertical resolution.
+    QByteArray encodePage(int i, bool fine, int minBytesPerLine, bool rtc = true) const;
+    // The octets with their bit order reversed (for a modem set to reversed bit order).
+    static QByteArray reverseBits(const QByteArray &data);
 
 private:
     QList<FaxPageImage> m_pages;

@@ -3,6 +3,7 @@
 // signals, the failure that ends the call); a driver per class runs the call itself.
 
 #include "AtChannel.h"
+#include "ModemProfile.h"
 
 #include <QObject>
 #include <QString>
@@ -17,6 +18,7 @@ struct FaxJob
     QString number;     // the dial string
     QString stationId;  // our identification (TSI, +FLID / +FLI)
     QString initString; // sent first, as the user configured it
+    ModemProfile profile;
     const FaxDocument *document = nullptr;
 };
 
