@@ -5,6 +5,7 @@
 // while it runs. It takes the SMTP client's outcomes itself: each is recorded and refreshed at once.
 
 #include <QObject>
+#include <functional>
 
 namespace osprel {
 
@@ -21,8 +22,11 @@ class SendStatus
 {
 public:
     static constexpr int kEmailGiveUpTicks = 60;
-    static constexpr int kFaxCheckTicks = 10;
-    static constexpr int kFaxGiveUpTicks = 400;
+    // A fax call is judged by the time it has been under way, not by how often the status was refreshed: the
+    // refresh runs on the dispatch tick (1 s at design, any rate under a time scale) and on SMTP events too. At the
+    // design interval 10 and 400 ticks were these times.
+    static constexpr qint64 kFaxCheckMs = 10000;
+    static constexpr qint64 kFaxGiveUpMs = 400000;
 
     SendStatus(FormLists &lists, FormTimers &timers, const Database &database, AlertLink &link, SmtpClient &smtp,
                TrayState &tray, StatusPort &port);
@@ -31,6 +35,8 @@ public:
     SendStatus &operator=(const SendStatus &) = delete;
 
     void setFaxLine(FaxLine *line) { m_faxLine = line; }
+    // The monotonic milliseconds the fax limits are measured with (tests move them); real time by default.
+    void setElapsedSource(std::function<qint64()> source) { m_elapsedMs = std::move(source); }
 
     void SendStatUpdate();
     bool isUpdating() const { return gblnStatusUpdating; }
@@ -57,6 +63,8 @@ private:
     TrayState &m_tray;
     StatusPort &m_port;
     FaxLine *m_faxLine = nullptr;
+    std::function<qint64()> m_elapsedMs;
+    qint64 m_faxSendingSince = 0;
     QMetaObject::Connection m_smtpOutcomes;
     bool gblnStatusUpdating = false;
 };

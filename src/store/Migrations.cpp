@@ -24,6 +24,17 @@ const QList<Migration> &migrations()
     static const QList<Migration> list{
         // 1: versions are kept; the classic tables are as they were.
         {1, {}},
+        // 3: the fax modem's profile beside SetupModem (flow control, reports, bit order, RTC, delays), the ports
+        // the device search may probe and those it must not, and the device last used.
+        {3,
+         {QStringLiteral("CREATE TABLE IF NOT EXISTS SetupModemProfile (FlowControl INTEGER, FlowCmd TEXT, "
+                         "ReportParams INTEGER, BitOrder INTEGER, ModemAppendsRTC INTEGER, FrsDelay INTEGER, "
+                         "FtsDelay INTEGER, TcfDelay INTEGER, SearchPorts TEXT, NotModemPorts TEXT, "
+                         "SearchAllPorts INTEGER, LastPort TEXT, LastClass INTEGER)"),
+          QStringLiteral("INSERT INTO SetupModemProfile (FlowControl, FlowCmd, ReportParams, BitOrder, "
+                         "ModemAppendsRTC, FrsDelay, FtsDelay, TcfDelay, SearchPorts, NotModemPorts, SearchAllPorts, "
+                         "LastPort, LastClass) SELECT 2, '', 1, 0, 1, 7, 8, 0, '', '', 0, '', 0 "
+                         "WHERE NOT EXISTS (SELECT 1 FROM SetupModemProfile)")}},
     };
     return list;
 }
