@@ -13,6 +13,7 @@
 #include <QElapsedTimer>
 #include <QTemporaryDir>
 #include <QtTest>
+#include <spandsp.h>
 #include <tiffio.h>
 
 using namespace osprel;
@@ -131,6 +132,55 @@ private Q_SLOTS:
             QFile::copy(received, keep.filePath(tag + QStringLiteral("-received.tif")));
         }
         qInfo("%d page(s): %.1f s wall, %.1f s on the line, %d bit/s", pages, ms / 1000.0, r.virtualSeconds, r.bitRate);
+    }
+
+    // Receivers that ask more than the ideal one: the page still arrives whole, at the speed and resolution
+    // negotiated, and the log reports what the receiver saw.
+    void demandingReceivers_data()
+    {
+        QTest::addColumn<int>("modems");
+        QTest::addColumn<int>("resolutions");
+        QTest::addColumn<int>("scanLineMs");
+        QTest::addColumn<QString>("resolution");
+        QTest::newRow("V.29 only") << int(T30_SUPPORT_V27TER | T30_SUPPORT_V29) << 0 << 0 << "Fine";
+        QTest::newRow("normal resolution only") << 0 << int(T30_SUPPORT_STANDARD_RESOLUTION) << 0 << "Normal";
+        QTest::newRow("20 ms scan line") << 0 << 0 << 20 << "Fine";
+    }
+
+    void demandingReceivers()
+    {
+        QFETCH(int, modems);
+        QFETCH(int, resolutions);
+        QFETCH(int, scanLineMs);
+        QFETCH(QString, resolution);
+        const QString tag = QString::fromLatin1(QTest::currentDataTag()).replace(QLatin1Char(' '), QLatin1Char('-'));
+        SoftModem::Options opt{m_dir.filePath(tag + QStringLiteral("-modem")),
+                               m_dir.filePath(tag + QStringLiteral("-received.tif"))};
+        opt.receiverModems = modems;
+        opt.receiverResolutions = resolutions;
+        opt.minScanLineMs = scanLineMs;
+        SoftModem modem(opt);
+        QString error;
+        QVERIFY2(modem.start(&error), qPrintable(error));
+        FaxEngine engine;
+        EventLog log(&engine);
+        engine.setPort(modem.linkPath());
+        engine.setNumber(QStringLiteral("15550199"));
+        engine.setFileToSend(onePageImage());
+        QVERIFY(engine.send());
+        QTRY_VERIFY_WITH_TIMEOUT(log.completed(), 90000);
+        QVERIFY2(log.completion().errorCode == 0, qPrintable(log.completion().errorText + u'\n' + log.dialogue()));
+        QTRY_VERIFY_WITH_TIMEOUT(modem.result().finished, 10000);
+        const SoftModem::Result r = modem.result();
+        QVERIFY2(r.completionCode == 0, qPrintable(r.completionText));
+        QCOMPARE(r.pages, 1);
+        QCOMPARE(r.badRows, 0);
+        QCOMPARE(log.completion().speed, QString::number(r.bitRate));
+        QCOMPARE(log.completion().resolution, resolution);
+        QCOMPARE(r.yResolution, resolution == QLatin1String("Fine") ? 7700 : 3850);
+        if (modems)
+            QCOMPARE(r.bitRate, 9600);
+        qInfo("%d bit/s, %.1f s on the line", r.bitRate, r.virtualSeconds);
     }
 
     // The far end of the line decides: the modem's result code becomes the fax's error.

@@ -202,7 +202,14 @@ struct SoftModem::Impl
         const QByteArray id = opt.answerId.toLatin1();
         t30_set_rx_file(t30, tiff.constData(), -1);
         t30_set_tx_ident(t30, id.constData());
-        t30_set_supported_modems(t30, T30_SUPPORT_V27TER | T30_SUPPORT_V29 | T30_SUPPORT_V17);
+        t30_set_supported_modems(t30, opt.receiverModems ? opt.receiverModems
+                                                         : T30_SUPPORT_V27TER | T30_SUPPORT_V29 | T30_SUPPORT_V17);
+        if (opt.receiverResolutions)
+            t30_set_supported_resolutions(t30, opt.receiverResolutions);
+        if (opt.receiverCompressions)
+            t30_set_supported_compressions(t30, opt.receiverCompressions);
+        if (opt.minScanLineMs)
+            t30_set_minimum_scan_line_time(t30, opt.minScanLineMs);
         t30_set_ecm_capability(t30, FALSE);
         t30_set_phase_e_handler(t30, &Impl::phaseE, this);
         fax_set_transmit_on_idle(fax, TRUE);
