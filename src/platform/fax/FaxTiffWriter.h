@@ -2,7 +2,8 @@
 // Writes fax pages to a TIFF file the way fax software exchanges them (TIFF Class F): one directory per page,
 // 1728 pels wide, T.4 one-dimensional coding (COMPRESSION_CCITTFAX3), 204 x 196 dpi.
 
-#include <QImage>
+#include "FaxDocument.h"
+
 #include <QList>
 #include <QString>
 
@@ -11,8 +12,8 @@ namespace osprel {
 class FaxTiffWriter
 {
 public:
-    // pages are QImage::Format_Mono images with colour index 1 black; their width must be 1728.
-    static bool write(const QString &path, const QList<QImage> &pages, QString *error);
+    // The pages' rows go to libtiff as they are (1 = black, MinIsWhite).
+    static bool write(const QString &path, const QList<FaxPageImage> &pages, QString *error);
 };
 
 } // namespace osprel
