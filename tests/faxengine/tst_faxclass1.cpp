@@ -141,10 +141,12 @@ private Q_SLOTS:
         QTest::addColumn<int>("modems");
         QTest::addColumn<int>("resolutions");
         QTest::addColumn<int>("scanLineMs");
+        QTest::addColumn<int>("compressions");
         QTest::addColumn<QString>("resolution");
-        QTest::newRow("V.29 only") << int(T30_SUPPORT_V27TER | T30_SUPPORT_V29) << 0 << 0 << "Fine";
-        QTest::newRow("normal resolution only") << 0 << int(T30_SUPPORT_STANDARD_RESOLUTION) << 0 << "Normal";
-        QTest::newRow("20 ms scan line") << 0 << 0 << 20 << "Fine";
+        QTest::newRow("V.29 only") << int(T30_SUPPORT_V27TER | T30_SUPPORT_V29) << 0 << 0 << 0 << "Fine";
+        QTest::newRow("normal resolution only") << 0 << int(T30_SUPPORT_STANDARD_RESOLUTION) << 0 << 0 << "Normal";
+        QTest::newRow("20 ms scan line") << 0 << 0 << 20 << 0 << "Fine";
+        QTest::newRow("1-D coding only") << 0 << 0 << 0 << int(T30_SUPPORT_T4_1D_COMPRESSION) << "Fine";
     }
 
     void demandingReceivers()
@@ -152,6 +154,7 @@ private Q_SLOTS:
         QFETCH(int, modems);
         QFETCH(int, resolutions);
         QFETCH(int, scanLineMs);
+        QFETCH(int, compressions);
         QFETCH(QString, resolution);
         const QString tag = QString::fromLatin1(QTest::currentDataTag()).replace(QLatin1Char(' '), QLatin1Char('-'));
         SoftModem::Options opt{m_dir.filePath(tag + QStringLiteral("-modem")),
@@ -159,6 +162,7 @@ private Q_SLOTS:
         opt.receiverModems = modems;
         opt.receiverResolutions = resolutions;
         opt.minScanLineMs = scanLineMs;
+        opt.receiverCompressions = compressions;
         SoftModem modem(opt);
         QString error;
         QVERIFY2(modem.start(&error), qPrintable(error));
@@ -180,6 +184,10 @@ private Q_SLOTS:
         QCOMPARE(r.yResolution, resolution == QLatin1String("Fine") ? 7700 : 3850);
         if (modems)
             QCOMPARE(r.bitRate, 9600);
+        // 2-D coding goes out only to a receiver that offers it (the DIS as the engine read it).
+        const bool twoD =
+            log.dialogue().contains(QLatin1String("--- DIS: ")) && !log.dialogue().contains(QLatin1String("2-D=0"));
+        QCOMPARE(twoD, compressions == 0);
         qInfo("%d bit/s, %.1f s on the line", r.bitRate, r.virtualSeconds);
     }
 

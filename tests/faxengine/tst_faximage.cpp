@@ -39,8 +39,9 @@ int blackPels(const FaxPageImage &page)
     return n;
 }
 
-// Writes coded rows as the one strip of a 1-D G3 TIFF, so that libtiff's own decoder can judge them.
-bool writeRawG3(const QString &path, const QByteArray &strip, int rows, bool lsbFirst)
+// Writes coded rows as the one strip of a G3 TIFF (1-D, or 2-D with tag bits), so that libtiff's own decoder can
+// judge them.
+bool writeRawG3(const QString &path, const QByteArray &strip, int rows, bool lsbFirst, bool twoD = false)
 {
     TIFF *t = TIFFOpen(QFile::encodeName(path).constData(), "w");
     if (!t)
@@ -50,7 +51,7 @@ bool writeRawG3(const QString &path, const QByteArray &strip, int rows, bool lsb
     TIFFSetField(t, TIFFTAG_BITSPERSAMPLE, uint16_t(1));
     TIFFSetField(t, TIFFTAG_SAMPLESPERPIXEL, uint16_t(1));
     TIFFSetField(t, TIFFTAG_COMPRESSION, COMPRESSION_CCITTFAX3);
-    TIFFSetField(t, TIFFTAG_GROUP3OPTIONS, uint32_t(0));
+    TIFFSetField(t, TIFFTAG_GROUP3OPTIONS, uint32_t(twoD ? GROUP3OPT_2DENCODING : 0));
     TIFFSetField(t, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISWHITE);
     TIFFSetField(t, TIFFTAG_FILLORDER, lsbFirst ? FILLORDER_LSB2MSB : FILLORDER_MSB2LSB);
     TIFFSetField(t, TIFFTAG_ROWSPERSTRIP, uint32_t(rows));
@@ -194,38 +195,45 @@ private Q_SLOTS:
     }
 
     // The data a driver sends: EOL first, fill to the minimum line length, EOLs on octet boundaries, RTC at the
-    // end, the first bit in the lowest bit. libtiff reads it back as the same page.
+    // end, the first bit in the lowest bit; 1-D or 2-D. libtiff reads it back as the same page.
     void pageDataForTheLine_data()
     {
         QTest::addColumn<int>("minBytes");
-        QTest::newRow("no minimum") << 0;
-        QTest::newRow("20 ms at 14400") << 36;
+        QTest::addColumn<int>("k");
+        QTest::newRow("no minimum") << 0 << 0;
+        QTest::newRow("20 ms at 14400") << 36 << 0;
+        QTest::newRow("2-D") << 0 << 4;
+        QTest::newRow("2-D, 20 ms at 14400") << 36 << 4;
     }
 
     void pageDataForTheLine()
     {
         QFETCH(int, minBytes);
+        QFETCH(int, k);
         const QString image = m_dir.filePath(QStringLiteral("line.fmf"));
         QVERIFY(FaxEngine::convertText(writeText(m_dir, QStringLiteral("line.txt"), linesOf(40)), image, nullptr));
         FaxDocument doc;
         QVERIFY(doc.open(image, nullptr));
-        const QByteArray data = doc.encodePage(0, true, minBytes);
+        const QByteArray data = doc.encodePage(0, true, minBytes, true, k);
         const int rows = doc.page(0).rows;
         QVERIFY(data.size() >= rows * minBytes);
         // RTC: six EOLs after the last line's octet-aligned one (000000000001, first bit lowest).
-        QVERIFY(data.endsWith(QByteArray::fromHex("800008800008800008")));
+        if (k == 0)
+            QVERIFY(data.endsWith(QByteArray::fromHex("800008800008800008")));
+        else // two-dimensional: text compresses further
+            QVERIFY(data.size() < doc.encodePage(0, true, minBytes).size() || minBytes > 0);
         // The page begins with an EOL.
         QCOMPARE(data.at(0), '\0');
         QCOMPARE(data.at(1) & 0x0f, 0x08);
         const QString path = m_dir.filePath(QStringLiteral("line.tif"));
-        QVERIFY(writeRawG3(path, data, rows, true));
+        QVERIFY(writeRawG3(path, data, rows, true, k > 0));
         FaxDocument back;
         QString error;
         QVERIFY2(back.open(path, &error), qPrintable(error));
         QVERIFY(back.page(0).bits == doc.page(0).bits);
 
         // At normal resolution every other line goes.
-        QVERIFY(writeRawG3(path, doc.encodePage(0, false, minBytes), rows / 2, true));
+        QVERIFY(writeRawG3(path, doc.encodePage(0, false, minBytes, true, k > 0 ? 2 : 0), rows / 2, true, k > 0));
         QVERIFY(back.open(path, &error));
         for (int y = 0; y < rows / 2; ++y)
             QVERIFY(memcmp(back.page(0).row(y), doc.page(0).row(2 * y), FaxPageImage::kRowBytes) == 0);

@@ -134,7 +134,7 @@ void Class1Session::enter(State s)
         sendFrame(Fcf::TSI, T30Frame::encodeIdent(job().stationId), false, AtResponse::Connect);
         return;
     case State::DcsSent:
-        sendFrame(Fcf::DCS, T30Params::dcs(*m_mod, m_fine, m_minScanMs), true, AtResponse::Ok);
+        sendFrame(Fcf::DCS, T30Params::dcs(*m_mod, m_fine, m_minScanMs, m_twoD), true, AtResponse::Ok);
         return;
     // T.30: 75 ms +-20 ms of silence between the frames and the high-speed signal. TCF follows DCS that closely; the
     // round trip of +FTM adds to the pause before it, which is why that one is shorter by default.
@@ -394,6 +394,7 @@ void Class1Session::afterDis()
     }
     const bool pageFine = pageCount() > 0 && job().document->page(0).fine;
     m_fine = pageFine && m_remote.fine;
+    m_twoD = m_remote.twoD;
     m_minScanMs = m_remote.minScanMsFor(m_fine);
     m_dcsTries = 0;
     retrain(false);
@@ -466,7 +467,8 @@ void Class1Session::onTrainingFrame(const AtReply &r)
 void Class1Session::startPage()
 {
     const int minBytes = T30Params::minBytesPerLine(m_mod->bitRate, m_minScanMs);
-    m_pageData = job().document->encodePage(m_page, m_fine, minBytes);
+    // T.4 4.2.1: K = 2 at standard resolution, 4 at fine.
+    m_pageData = job().document->encodePage(m_page, m_fine, minBytes, true, m_twoD ? (m_fine ? 4 : 2) : 0);
     m_postTries = 0;
     Q_EMIT pageStarted(m_page + 1, pageCount());
     Q_EMIT status(FaxStatus::SendingPage, QStringLiteral("Sending page %1 of %2").arg(m_page + 1).arg(pageCount()));

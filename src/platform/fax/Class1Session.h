@@ -77,6 +77,7 @@ private:
     QString m_remoteId;
     const FaxModulation *m_mod = nullptr;
     bool m_fine = true;
+    bool m_twoD = false; // T.4 MR coding, when the called station's DIS offers it
     int m_minScanMs = 0;
     int m_page = 0;
     int m_dcsTries = 0;

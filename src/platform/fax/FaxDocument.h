@@ -30,8 +30,9 @@ public:
     // T.4 MH data of page i as the modem sends it (first bit in the lowest bit of each octet): an EOL, each line
     // padded with fill bits to minBytesPerLine (T.4 4.1.3) and ended by an octet-aligned EOL, then RTC (six EOLs,
     // T.4 4.1.4; left out with rtc false, for modems that append it). A page is thinned or doubled to the negotiated
-    // vertical resolution.
-    QByteArray encodePage(int i, bool fine, int minBytesPerLine, bool rtc = true) const;
+    // vertical resolution. With k > 0 the lines are coded two-dimensionally (T.4 4.2, MR): every k-th line 1-D, the
+    // others against the line before, each EOL followed by a tag bit that says which follows.
+    QByteArray encodePage(int i, bool fine, int minBytesPerLine, bool rtc = true, int k = 0) const;
     // The octets with their bit order reversed (for a modem set to reversed bit order).
     static QByteArray reverseBits(const QByteArray &data);
 

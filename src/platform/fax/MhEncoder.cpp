@@ -61,7 +61,49 @@ inline bool pel(const uchar *row, int x)
 {
     return row[x >> 3] & (0x80 >> (x & 7));
 }
+// The first changing element after position a (a pel whose colour differs from the one before it; the pel before
+// the line is white), or width when there is none. With colour >= 0 only elements that turn to that colour count.
+int nextChange(const uchar *row, int a, int width, int colour = -1)
+{
+    for (int x = a + 1; x < width; ++x) {
+        const bool before = x > 0 && pel(row, x - 1);
+        const bool now = pel(row, x);
+        if (now != before && (colour < 0 || int(now) == colour))
+            return x;
+    }
+    return width;
+}
 } // namespace
+
+void MhEncoder::encodeRow2D(BitWriter &out, const uchar *row, const uchar *ref, int width)
+{
+    // T.4 Table 4: the vertical mode code words for a1 - b1 = -3 .. 3.
+    static const Code kVertical[7] = {{0x02, 7}, {0x02, 6}, {0x02, 3}, {0x01, 1}, {0x03, 3}, {0x03, 6}, {0x03, 7}};
+    int a0 = -1;
+    bool black = false; // the colour of a0
+    while (a0 < width) {
+        const int a1 = nextChange(row, a0, width);
+        const int b1 = nextChange(ref, a0, width, black ? 0 : 1);
+        const int b2 = nextChange(ref, b1, width);
+        if (b2 < a1) { // pass mode: the reference line's run ends before the coding line changes
+            out.put(0x1, 4);
+            a0 = b2;
+            continue;
+        }
+        if (a1 - b1 >= -3 && a1 - b1 <= 3) {
+            const Code &v = kVertical[a1 - b1 + 3];
+            out.put(v.bits, v.len);
+            a0 = a1;
+            black = !black;
+            continue;
+        }
+        const int a2 = nextChange(row, a1, width);
+        out.put(0x1, 3); // horizontal mode: the two runs a0a1 and a1a2 in MH code words
+        putRun(out, a1 - qMax(a0, 0), black);
+        putRun(out, a2 - a1, !black);
+        a0 = a2;
+    }
+}
 
 void MhEncoder::encodeRow(BitWriter &out, const uchar *row, int width)
 {
