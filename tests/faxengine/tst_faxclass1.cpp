@@ -1,14 +1,17 @@
 // The Class 1 driver end to end: faxes sent by the engine through the software modem (spandsp T.31) to a T.30
 // terminal that stores them; call failures; stopping a call.
 
+#include "AtChannel.h"
 #include "Clock.h"
 #include "EventLog.h"
+#include "FakeLine.h"
 #include "FaxCodes.h"
 #include "FaxDocument.h"
 #include "FaxEngine.h"
 #include "FaxHeader.h"
 #include "GlyphCache.h"
 #include "SoftModem.h"
+#include "T30Frame.h"
 
 #include <QElapsedTimer>
 #include <QTemporaryDir>
@@ -21,6 +24,83 @@ using osprel::faxlab::EventLog;
 using osprel::faxlab::SoftModem;
 
 namespace {
+// A called station that loses the first page: after EOP it is back in phase B (CSI, DIS), as a receiver is whose
+// page carrier went under on a poor line. Every later page it confirms. A Class 1 modem without V.17 in between.
+class PageLosingLine : public osprel::faxlab::FakeLine
+{
+public:
+    // What the station saw; kept by the test, since the engine deletes its line after the call.
+    struct Seen
+    {
+        QStringList commands;
+        int pages = 0;
+    };
+    PageLosingLine(Seen &seen, QObject *parent) : FakeLine(parent), m_seen(seen) {}
+
+    void write(const QByteArray &d) override
+    {
+        FakeLine::write(d);
+        if (m_dataNext) {
+            m_dataNext = false;
+            if (m_lastCmd.startsWith("AT+FTH")) {
+                const quint8 fcf = quint8(d.at(2)) & ~Fcf::XBit;
+                m_lastFrame = fcf;
+                if (fcf == Fcf::EOP || fcf == Fcf::MPS)
+                    m_toReceive = m_seen.pages == 1 ? QList<QByteArray>{frame(Fcf::CSI, false), frame(Fcf::DIS, true)}
+                                                    : QList<QByteArray>{frame(Fcf::MCF, true)};
+                reply(uchar(d.at(1)) == T30Frame::kControlFinal ? "\r\nOK\r\n" : "\r\nCONNECT\r\n");
+            } else {
+                if (m_lastFrame == Fcf::DCS)
+                    m_toReceive = {frame(Fcf::CFR, true)};
+                else
+                    ++m_seen.pages;
+                m_lastFrame = 0;
+                reply("\r\nOK\r\n");
+            }
+            return;
+        }
+        m_lastCmd = d.trimmed();
+        m_seen.commands << QString::fromLatin1(m_lastCmd);
+        if (m_lastCmd == "AT+FCLASS?")
+            reply("\r\n1\r\n\r\nOK\r\n");
+        else if (m_lastCmd == "AT+FTM=?")
+            reply("\r\n24,48,72,96\r\n\r\nOK\r\n");
+        else if (m_lastCmd.startsWith("ATD")) {
+            m_toReceive = {frame(Fcf::DIS, true)};
+            reply("\r\nCONNECT\r\n" + received(frame(Fcf::CSI, false)));
+        } else if (m_lastCmd == "AT+FRH=3")
+            reply(m_toReceive.isEmpty() ? "\r\nNO CARRIER\r\n" : "\r\nCONNECT\r\n" + received(m_toReceive.takeFirst()));
+        else if (m_lastCmd.startsWith("AT+FTH") || m_lastCmd.startsWith("AT+FTM=")) {
+            m_dataNext = true;
+            reply("\r\nCONNECT\r\n");
+        } else
+            reply("\r\nOK\r\n");
+    }
+
+private:
+    static QByteArray frame(quint8 fcf, bool final)
+    {
+        // V.27 ter and V.29, fine resolution, 20 ms scan lines.
+        const QByteArray info = fcf == Fcf::DIS   ? QByteArray::fromHex("00ce00")
+                                : fcf == Fcf::CSI ? T30Frame::encodeIdent(QStringLiteral("LOSSY"))
+                                                  : QByteArray();
+        QByteArray f = T30Frame::command(fcf, info, final).encoded();
+        f[2] = char(quint8(f.at(2)) & ~Fcf::XBit); // the called station's frames
+        return f + QByteArray(2, '\0');            // the FCS octets T.31 passes on
+    }
+    static QByteArray received(const QByteArray &f) { return AtChannel::dleStuff(f) + "\x10\x03\r\nOK\r\n"; }
+    void reply(const QByteArray &text)
+    {
+        QTimer::singleShot(1, this, [this, text] { feed(text); });
+    }
+
+    Seen &m_seen;
+    bool m_dataNext = false;
+    QByteArray m_lastCmd;
+    quint8 m_lastFrame = 0;
+    QList<QByteArray> m_toReceive;
+};
+
 int tiffPages(const QString &path)
 {
     TIFF *t = TIFFOpen(QFile::encodeName(path).constData(), "r");
@@ -189,6 +269,29 @@ private Q_SLOTS:
             log.dialogue().contains(QLatin1String("--- DIS: ")) && !log.dialogue().contains(QLatin1String("2-D=0"));
         QCOMPARE(twoD, compressions == 0);
         qInfo("%d bit/s, %.1f s on the line", r.bitRate, r.virtualSeconds);
+    }
+
+    // DIS after the page: the called station lost it. The page is trained for again one rate lower and sent again,
+    // and the fax succeeds with the rate it went through at.
+    void pageLostIsSentAgainLower()
+    {
+        FaxEngine engine;
+        EventLog log(&engine);
+        PageLosingLine::Seen seen;
+        engine.setLineFactory([&seen](QObject *parent) { return new PageLosingLine(seen, parent); });
+        engine.setNumber(QStringLiteral("15550199"));
+        engine.setFileToSend(onePageImage());
+        QVERIFY(engine.send());
+        QTRY_VERIFY_WITH_TIMEOUT(log.completed(), 20000);
+        QVERIFY2(log.completion().errorCode == 0, qPrintable(log.completion().errorText + u'\n' + log.dialogue()));
+        QCOMPARE(seen.pages, 2);
+        QCOMPARE(log.completion().speed, QStringLiteral("7200"));
+        const QStringList ftm = seen.commands.filter(QRegularExpression(QStringLiteral("^AT\\+FTM=\\d")));
+        QCOMPARE(ftm, (QStringList{"AT+FTM=96", "AT+FTM=96", "AT+FTM=72", "AT+FTM=72"})); // TCF, page; again
+        bool noticed = false;
+        for (const FaxEvent &e : log.events())
+            noticed = noticed || e.statusText.startsWith(QLatin1String("Page 1 not received"));
+        QVERIFY(noticed);
     }
 
     // The far end of the line decides: the modem's result code becomes the fax's error.

@@ -157,7 +157,8 @@ void Class1Session::enter(State s)
         return;
     }
     case State::PageConnect:
-        at().atCmd("AT+FTM=" + QByteArray::number(m_mod->pageCode), AtResponse::Connect, kCommandMs);
+        at().atCmd("AT+FTM=" + QByteArray::number(m_longTrain ? m_mod->trainingCode : m_mod->pageCode),
+                   AtResponse::Connect, kCommandMs);
         return;
     case State::PageSent: {
         const int ms = int(qint64(m_pageData.size()) * 8000 / m_mod->bitRate) + 15000;
@@ -430,8 +431,10 @@ void Class1Session::onTrainingFrame(const AtReply &r)
     Q_EMIT message(QStringLiteral("--- received ") + QLatin1String(T30Frame::fcfName(frame.fcf())));
     switch (frame.fcf()) {
     case Fcf::CFR:
-        if (!m_negotiated) {
+        // Reported again when a fall-back changed the rate: the log and the completion carry the one used.
+        if (!m_negotiated || m_negotiatedRate != m_mod->bitRate) {
             m_negotiated = true;
+            m_negotiatedRate = m_mod->bitRate;
             Q_EMIT negotiated(rateText(), m_fine ? QStringLiteral("Fine") : QStringLiteral("Normal"), m_remoteId);
         }
         startPage();
@@ -527,6 +530,26 @@ void Class1Session::onResponseFrame(const AtReply &r)
             enter(State::PostPageConnect);
         else
             noPostPageResponse();
+        return;
+    case Fcf::CSI:
+    case Fcf::NSF:
+        // The called station is back in phase B: it lost the page (its carrier or training) and announces itself
+        // again; its DIS follows.
+        if (frame.fcf() == Fcf::CSI)
+            m_remoteId = T30Frame::decodeIdent(frame.info());
+        enter(State::ResponseConnect);
+        return;
+    case Fcf::DIS:
+        // T.30: DIS after the page means it was not received. Train again, one rate lower when there is one, and
+        // send it again.
+        if (++m_pageRetries > kMaxPageRetries) {
+            fail(FaxError::PageRejected, QStringLiteral("page %1 not received").arg(m_page + 1));
+            return;
+        }
+        m_remote = RemoteCapabilities::fromDis(frame.info());
+        m_longTrain = true; // the short training of V.17 is what a poor line loses first
+        Q_EMIT notice(QStringLiteral("Page %1 not received (DIS after the page), sending it again").arg(m_page + 1));
+        retrain(T30Params::choose(m_modemCodes, m_remote, m_mod->bitRate - 1) != nullptr);
         return;
     case Fcf::DCN:
         fail(FaxError::PhaseDError, QStringLiteral("the remote station disconnected"), false);

@@ -77,7 +77,8 @@ private:
     QString m_remoteId;
     const FaxModulation *m_mod = nullptr;
     bool m_fine = true;
-    bool m_twoD = false; // T.4 MR coding, when the called station's DIS offers it
+    bool m_twoD = false;      // T.4 MR coding, when the called station's DIS offers it
+    bool m_longTrain = false; // V.17 page data with long training, once a page was lost after the short one
     int m_minScanMs = 0;
     int m_page = 0;
     int m_dcsTries = 0;
@@ -85,6 +86,7 @@ private:
     int m_postTries = 0;
     int m_pageRetries = 0;
     bool m_negotiated = false;
+    int m_negotiatedRate = 0;
     QByteArray m_pageData;
     QElapsedTimer m_t1;
 };
