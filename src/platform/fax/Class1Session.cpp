@@ -3,6 +3,8 @@
 #include "FaxCodes.h"
 #include "FaxDocument.h"
 
+#include <QTimer>
+
 namespace osprel {
 
 namespace {
@@ -12,6 +14,7 @@ constexpr int kFrameMs = 10000;     // one V.21 frame at 300 bit/s, long NSF fra
 constexpr int kMaxCommandTries = 3; // T.30: a command without response is repeated up to three times
 constexpr int kMaxPageRetries = 2;  // a page the remote asks for again (RTN) is sent at most this often more
 constexpr int kTcfMs = 1500;        // T.30: TCF is 1.5 s of zeros
+constexpr int kRelistenMs = 200;    // after +FRH failed at once
 
 // Time for a V.21 frame: a second of flags (T.30) and the octets at 300 bit/s, with room to spare.
 int frameMs(int octets)
@@ -228,12 +231,20 @@ void Class1Session::onReply(const AtReply &r)
         }
         return;
     case State::PhaseBConnect:
-        if (r.is(AtResponse::Connect))
+        if (r.is(AtResponse::Connect)) {
             enter(State::PhaseBFrame);
-        else if (m_t1.elapsed() > kT1Ms)
+        } else if (m_t1.elapsed() > kT1Ms) {
             fail(FaxError::NoAnswerT1, QStringLiteral("no DIS from the called station"));
-        else
+        } else if (r.is(AtResponse::Timeout)) {
             enter(State::PhaseBConnect);
+        } else {
+            // An immediate ERROR or NO CARRIER (a carrier that is not V.21, noise): listen again a moment later
+            // rather than ask the modem thousands of times until T1.
+            QTimer::singleShot(kRelistenMs, this, [this] {
+                if (!isFinished() && m_state == State::PhaseBConnect)
+                    enter(State::PhaseBConnect);
+            });
+        }
         return;
     case State::PhaseBFrame:
         onPhaseBFrame(r);

@@ -64,6 +64,8 @@ protected:
     // Records why the call failed; the first failure wins, later ones only follow from it.
     void setFailure(int code, const QString &detail = QString());
     int failure() const { return m_error; }
+    // The call has ended or was abandoned: nothing more may be said to the modem.
+    bool isFinished() const { return m_finished; }
     // Ends the call with the recorded outcome (once).
     void finish();
 
