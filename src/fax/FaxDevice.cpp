@@ -57,6 +57,10 @@ qint16 FaxDevice::FindDevice()
             const QString none = QStringLiteral("No fax devices detected.");
             m_page.setTxtFaxDevice(none);
             DumpStr(none, Log::FaxList);
+            if (m_finder.candidates().isEmpty() && failedSearches == 0)
+                DumpStr(QStringLiteral("No serial port may be searched: list the modem's port under Setup... "
+                                       "(Modem ports), or choose 'Search all serial ports'."),
+                        Log::FaxList);
             gblnFaxDeviceFound = false;
             // A failed search is tried once more; the next failure clears the count.
             failedSearches += 1;

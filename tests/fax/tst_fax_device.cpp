@@ -45,6 +45,11 @@ private Q_SLOTS:
                  QStringList({"No fax devices detected.", "No fax devices detected."}));
         m_device->FindDevice(); // the count was cleared: again one search and one retry
         QCOMPARE(m_f->log->lstFaxStatus()->rowCount(), 4);
+        // No port to search at all (the default): the log says where to list one, once per search.
+        m_finder.setExtraPaths({});
+        m_device->FindDevice();
+        QCOMPARE(m_f->log->lstFaxStatus()->rowCount(), 7);
+        QVERIFY(m_f->log->lstFaxStatus()->stringList().at(5).startsWith(QLatin1String("No serial port may be")));
     }
 
     void devicesAreTakenInTurnWithTheirClass()
