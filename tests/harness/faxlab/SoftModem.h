@@ -32,6 +32,10 @@ public:
         int receiverResolutions = 0;
         int receiverCompressions = 0;
         int minScanLineMs = 0;
+        // A noisy line: white noise at this level (dBm0; fax signals leave the modem at about -14) from the sender to
+        // the receiver while the first noisyTrainings high-speed transmissions (+FTM) go out. 0: a clean line.
+        float noiseDbm0 = 0;
+        int noisyTrainings = 0;
     };
 
     struct Result
