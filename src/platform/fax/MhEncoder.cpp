@@ -61,15 +61,39 @@ inline bool pel(const uchar *row, int x)
 {
     return row[x >> 3] & (0x80 >> (x & 7));
 }
+// The first pel at or after x whose colour is not colour, or width; whole octets of that colour are skipped at once
+// (most of a text page is white).
+int findOther(const uchar *row, int x, int width, bool colour)
+{
+    const uchar same = colour ? 0xff : 0x00;
+    while (x < width) {
+        if ((x & 7) == 0) {
+            while (x + 8 <= width && row[x >> 3] == same)
+                x += 8;
+            if (x >= width)
+                break;
+        }
+        if (pel(row, x) != colour)
+            return x;
+        ++x;
+    }
+    return width;
+}
+
 // The first changing element after position a (a pel whose colour differs from the one before it; the pel before
 // the line is white), or width when there is none. With colour >= 0 only elements that turn to that colour count.
 int nextChange(const uchar *row, int a, int width, int colour = -1)
 {
-    for (int x = a + 1; x < width; ++x) {
-        const bool before = x > 0 && pel(row, x - 1);
-        const bool now = pel(row, x);
-        if (now != before && (colour < 0 || int(now) == colour))
+    int x = a + 1;
+    bool before = x > 0 && x <= width && pel(row, x - 1);
+    while (x < width) {
+        x = findOther(row, x, width, before);
+        if (x >= width)
+            break;
+        before = !before;
+        if (colour < 0 || int(before) == colour)
             return x;
+        ++x;
     }
     return width;
 }
