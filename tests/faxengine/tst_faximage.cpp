@@ -117,7 +117,12 @@ private Q_SLOTS:
         FaxDocument doc;
         QVERIFY2(doc.open(image, &error), qPrintable(error));
         QCOMPARE(doc.pageCount(), pages);
+        // Written row by row, the pages are those drawn whole.
+        const QList<FaxPageImage> whole =
+            FaxTextRenderer::render(FaxTextRenderer::splitLines(QString::fromLatin1(linesOf(lines))));
+        QCOMPARE(whole.size(), pages);
         for (int p = 0; p < pages; ++p) {
+            QVERIFY(doc.page(p).bits == whole.at(p).bits);
             QVERIFY(doc.page(p).fine);
             QCOMPARE(doc.page(p).rows, FaxTextRenderer::pageRows(qMin(60, lines - 60 * p)));
             QCOMPARE(blackPels(doc.page(p)) > 0, lines > 0);

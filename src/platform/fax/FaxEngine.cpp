@@ -9,7 +9,6 @@
 #include "FaxDocument.h"
 #include "FaxHeader.h"
 #include "FaxTextRenderer.h"
-#include "FaxTiffWriter.h"
 #include "GlyphCache.h"
 #include "QtSerialLine.h"
 
@@ -237,7 +236,7 @@ bool FaxEngine::convertText(const QString &textPath, const QString &imagePath, Q
     QString text = QString::fromUtf8(bytes);
     if (text.contains(QChar::ReplacementCharacter))
         text = QString::fromLatin1(bytes);
-    return FaxTiffWriter::write(imagePath, FaxTextRenderer::render(FaxTextRenderer::splitLines(text)), error);
+    return FaxTextRenderer::write(imagePath, FaxTextRenderer::splitLines(text), error);
 }
 
 } // namespace osprel

@@ -1,5 +1,6 @@
 #include "FaxTextRenderer.h"
 
+#include "FaxTiffWriter.h"
 #include "GlyphCache.h"
 
 namespace osprel {
@@ -61,6 +62,33 @@ QList<FaxPageImage> FaxTextRenderer::render(const QStringList &lines)
         pages.append(page);
     }
     return pages;
+}
+
+bool FaxTextRenderer::write(const QString &path, const QStringList &lines, QString *error)
+{
+    GlyphCache &glyphs = pageGlyphs();
+    const int total = int(lines.size());
+    const int pageCount = qMax(1, (total + kLinesPerPage - 1) / kLinesPerPage);
+    auto linesOn = [&](int n) { return qBound(0, total - n * kLinesPerPage, kLinesPerPage); };
+    static const QByteArray white(FaxPageImage::kRowBytes, '\0');
+    QByteArray band(kLinePitch * FaxPageImage::kRowBytes, '\0');
+    int bandPage = -1, bandLine = -1;
+    const auto row = [&](int n, int y) -> const uchar * {
+        const int offset = y - kTopMargin;
+        if (offset < 0 || offset >= linesOn(n) * kLinePitch)
+            return reinterpret_cast<const uchar *>(white.constData());
+        const int line = offset / kLinePitch;
+        if (n != bandPage || line != bandLine) {
+            band.fill('\0');
+            glyphs.draw(reinterpret_cast<uchar *>(band.data()), FaxPageImage::kRowBytes, kLinePitch, kLeftMargin, 0,
+                        lines.at(n * kLinesPerPage + line));
+            bandPage = n;
+            bandLine = line;
+        }
+        return reinterpret_cast<const uchar *>(band.constData()) + (offset % kLinePitch) * FaxPageImage::kRowBytes;
+    };
+    return FaxTiffWriter::write(
+        path, pageCount, true, [&](int n) { return pageRows(linesOn(n)); }, row, error);
 }
 
 } // namespace osprel

@@ -27,6 +27,9 @@ public:
     static int pageRows(int lines);
     // One page per 60 lines, at least one. Needs the GUI application (fonts).
     static QList<FaxPageImage> render(const QStringList &lines);
+    // The same pages written straight to a TIFF file: each text line drawn into one band of rows as libtiff takes
+    // the rows, blank rows from one white row; no page is held whole.
+    static bool write(const QString &path, const QStringList &lines, QString *error);
 };
 
 } // namespace osprel
