@@ -97,6 +97,8 @@ bool DispatchBench::start(QString *error)
     m_busServer = std::make_unique<BusServer>(
         QDBusConnection::connectToBus(m_bus.address(), QStringLiteral("osprel-bench-dispatch-server")));
     QObject::connect(m_busServer.get(), &BusServer::ownerLeft, &m_server->link(), &AlertLink::linkedClientLeft);
+    QObject::connect(m_busServer.get(), &BusServer::objectReleased, &m_server->link(),
+                     &AlertLink::linkedObjectReleased);
     if (!m_busServer->start(error))
         return false;
 

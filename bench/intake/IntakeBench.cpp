@@ -6,7 +6,9 @@
 #include "Waiting.h"
 
 #include <QCoreApplication>
+#include <QDBusPendingCallWatcher>
 #include <QElapsedTimer>
+#include <functional>
 #include <vector>
 
 namespace {
@@ -16,7 +18,7 @@ const char *const kCountSlot = SLOT(onSignal(QDBusMessage));
 
 } // namespace
 
-IntakeBench::IntakeBench(const QString &address) : m_link(address, QStringLiteral("osprel-bench-intake")) {}
+IntakeBench::IntakeBench(const QString &address, const QString &connectionName) : m_link(address, connectionName) {}
 
 IntakeBench::~IntakeBench() = default;
 
@@ -54,6 +56,53 @@ bool IntakeBench::timeSendAlert(const QString &alert, int warmUp, int calls, Lat
     QDBusMessage send = m_link.alertCall(QStringLiteral("SendAlert"));
     send << alert;
     return timeSeries(send, warmUp, calls, 1, stats, error);
+}
+
+bool IntakeBench::timeSendAlertPipelined(const QString &alert, int calls, int window, LatencyStats *stats,
+                                         QString *error)
+{
+    QDBusMessage send = m_link.alertCall(QStringLiteral("SendAlert"));
+    send << alert;
+    QDBusConnection &connection = m_link.connection();
+    std::vector<qint64> samples(std::size_t(calls), 0);
+    int sent = 0;
+    int done = 0;
+    bool failed = false;
+    m_events.reset();
+    QElapsedTimer wall;
+    wall.start();
+    std::function<void()> sendOne = [&] {
+        const int index = sent++;
+        const qint64 start = wall.nsecsElapsed();
+        auto *watcher = new QDBusPendingCallWatcher(connection.asyncCall(send, ChamberLink::kCallTimeoutMs));
+        QObject::connect(watcher, &QDBusPendingCallWatcher::finished, [&, index, start, watcher] {
+            samples[std::size_t(index)] = wall.nsecsElapsed() - start;
+            const QDBusMessage reply = watcher->reply();
+            if (!failed && !replyIsTrue(reply)) {
+                failed = true;
+                *error = QStringLiteral("pipelined SendAlert failed: ") + describeReply(reply);
+            }
+            ++done;
+            watcher->deleteLater();
+            if (sent < calls && !failed)
+                sendOne();
+        });
+    };
+    for (int i = 0; i < qMin(window, calls); ++i)
+        sendOne();
+    waitFor([&] { return done == sent && (sent == calls || failed); }, 120000);
+    if (failed)
+        return false;
+    if (done != calls) {
+        *error = QStringLiteral("%1 of %2 pipelined calls answered").arg(done).arg(calls);
+        return false;
+    }
+    *stats = LatencyStats::from(std::move(samples), wall.nsecsElapsed());
+    if (!awaitEvents(calls, ChamberLink::kCallTimeoutMs)) {
+        *error = QStringLiteral("%1 AlertReady events arrived where %2 were expected").arg(m_events.count()).arg(calls);
+        return false;
+    }
+    return true;
 }
 
 qint64 IntakeBench::settledServerRssKiB(int settleMs)

@@ -13,7 +13,8 @@
 class IntakeBench
 {
 public:
-    explicit IntakeBench(const QString &address);
+    // connectionName: the chamber's bus connection; two benches in one process need different names.
+    explicit IntakeBench(const QString &address, const QString &connectionName = QStringLiteral("osprel-bench-intake"));
     ~IntakeBench();
     IntakeBench(const IntakeBench &) = delete;
     IntakeBench &operator=(const IntakeBench &) = delete;
@@ -34,6 +35,9 @@ public:
     bool timeEmptyMethod(int warmUp, int calls, LatencyStats *stats, QString *error);
     // SendAlert with one alert text; each call queues one alert in the server and brings back one AlertReady.
     bool timeSendAlert(const QString &alert, int warmUp, int calls, LatencyStats *stats, QString *error);
+    // The same, pipelined: up to `window` calls on their way at once, as a chamber program that does not wait for
+    // each answer sends them. Each sample runs from a call's sending to its answer.
+    bool timeSendAlertPipelined(const QString &alert, int calls, int window, LatencyStats *stats, QString *error);
 
     pid_t serverPid() const { return m_link.serverPid(); }
     // Lets the server settle for a moment, then reads its VmRSS in KiB (-1 when unreadable).

@@ -9,7 +9,11 @@
 #include "ProcStatus.h"
 #include "Waiting.h"
 
+#include "Database.h"
+
+#include <QFile>
 #include <QProcess>
+#include <functional>
 #include <memory>
 #include <sys/resource.h>
 
@@ -31,12 +35,16 @@ class ServerUnderTest
 public:
     explicit ServerUnderTest(double timeScale) : m_bus(timeScale) {}
 
-    bool start(const QString &mailServer, DeliveryCounter *counter, QString *error)
+    // prepare, when given, adds to the data folder before the server starts.
+    bool start(const QString &mailServer, DeliveryCounter *counter, QString *error,
+               const std::function<bool(const QString &, QString *)> &prepare = {})
     {
         const QList<BenchRecipient> recipients{
             {QStringLiteral("Doe"), QStringLiteral("Jo"), kRecipients.at(0), QString()},
             {QStringLiteral("Neil"), QStringLiteral("Sam"), kRecipients.at(1), QString()}};
         if (!m_bus.start(error) || !prepareDatabase(m_bus.dataFolder(), mailServer, recipients, error))
+            return false;
+        if (prepare && !prepare(m_bus.dataFolder(), error))
             return false;
         m_link = std::make_unique<ChamberLink>(m_bus.address(), QStringLiteral("osprel-bench-smtp"));
         if (!m_link->connect(error) || !m_link->createObject(error))
@@ -91,7 +99,44 @@ void setRate(const QList<Receipt> &receipts, qint64 startNs, PathRate *rate)
     rate->firstAfterMs = double(receipts.constFirst().receivedNs - startNs) / 1e6;
 }
 
+// STARTTLS required and AUTH PLAIN as lab/pw, trusting the bench's CA. The time-outs are set far above their
+// defaults: at the fast time scale the defaults would be a tenth of a second.
+bool prepareTls(const QString &folder, const QString &caFile, QString *error)
+{
+    try {
+        osprel::Database database;
+        database.DBInitADO(folder);
+        database.run(QStringLiteral("INSERT INTO MailServerSecurity (Security, Auth, UserName, CaFile, ConnectTimeout,"
+                                    " ReplyTimeout, DotTimeout) VALUES (1, 1, 'lab', ?, 60000, 60000, 60000)"),
+                     {caFile});
+        database.close();
+    } catch (const std::exception &e) {
+        *error = QStringLiteral("cannot prepare the mail security: ") + QString::fromLocal8Bit(e.what());
+        return false;
+    }
+    QFile secrets(folder + QStringLiteral("/mail-secrets.json"));
+    if (!secrets.open(QIODevice::WriteOnly) ||
+        !secrets.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner) ||
+        secrets.write(R"({"password": "pw"})") < 0) {
+        *error = QStringLiteral("cannot write ") + secrets.fileName();
+        return false;
+    }
+    return true;
+}
+
 } // namespace
+
+bool SmtpBench::startTls(QString *error)
+{
+    if (!m_certs.make(error))
+        return false;
+    LocalSmtpServer::Options options;
+    options.tls = QStringLiteral("starttls-required");
+    options.certFile = m_certs.certFile();
+    options.keyFile = m_certs.keyFile();
+    options.users = QStringList{QStringLiteral("lab:pw")};
+    return m_tlsSink.start(options, error);
+}
 
 void DeliveryCounter::onAlertStatus(const QDBusMessage &message)
 {
@@ -101,11 +146,17 @@ void DeliveryCounter::onAlertStatus(const QDBusMessage &message)
         ++failed;
 }
 
-bool SmtpBench::serverPath(int alerts, int timeoutMs, PathRate *rate, QString *error)
+bool SmtpBench::serverPath(int alerts, int timeoutMs, PathRate *rate, QString *error, bool tls)
 {
+    LocalSmtpServer &m_sink = tls ? m_tlsSink : this->m_sink;
     ServerUnderTest server(kFastTimeScale);
     DeliveryCounter outcomes;
-    if (!server.start(m_sink.address(), &outcomes, error))
+    const QString caFile = m_certs.caFile();
+    const bool started =
+        tls ? server.start(QStringLiteral("localhost:%1").arg(m_sink.port()), &outcomes, error,
+                           [&caFile](const QString &folder, QString *why) { return prepareTls(folder, caFile, why); })
+            : server.start(m_sink.address(), &outcomes, error);
+    if (!started)
         return false;
     pump(200); // start-up: TimerInit's 5 s are 5 ms here
 
@@ -134,8 +185,12 @@ bool SmtpBench::serverPath(int alerts, int timeoutMs, PathRate *rate, QString *e
     return server.stop(error);
 }
 
-bool SmtpBench::plainClient(int messages, int timeoutMs, PathRate *rate, QString *error)
+bool SmtpBench::plainClient(int messages, int timeoutMs, PathRate *rate, QString *error, bool tls)
 {
+    LocalSmtpServer &m_sink = tls ? m_tlsSink : this->m_sink;
+    QStringList tlsArguments;
+    if (tls)
+        tlsArguments << m_certs.caFile() << QStringLiteral("lab") << QStringLiteral("pw");
     const QString stored = m_sink.anyStoredMessage();
     if (stored.isEmpty()) {
         *error = QStringLiteral("no stored message to send again");
@@ -147,8 +202,10 @@ bool SmtpBench::plainClient(int messages, int timeoutMs, PathRate *rate, QString
     QProcess client;
     client.setProcessChannelMode(QProcess::SeparateChannels);
     client.start(QStringLiteral("/usr/bin/python3"),
-                 {QStringLiteral(OSPREL_BENCH_SMTP_DIR "/plain_client.py"), QStringLiteral("127.0.0.1"),
-                  QString::number(m_sink.port()), QString::number(messages), kFrom, kRecipients.join(u','), stored});
+                 QStringList{QStringLiteral(OSPREL_BENCH_SMTP_DIR "/plain_client.py"), QStringLiteral("127.0.0.1"),
+                             QString::number(m_sink.port()), QString::number(messages), kFrom, kRecipients.join(u','),
+                             stored} +
+                     tlsArguments);
     if (!client.waitForFinished(timeoutMs) || client.exitStatus() != QProcess::NormalExit || client.exitCode() != 0) {
         client.kill();
         client.waitForFinished(5000);

@@ -4,6 +4,7 @@
 // SendAlert to the sink's receipt at the design timer intervals.
 
 #include "LocalSmtpServer.h"
+#include "MailLab.h"
 
 #include <QDBusMessage>
 #include <QObject>
@@ -44,16 +45,22 @@ public:
     static constexpr double kFastTimeScale = 0.001;
 
     bool start(QString *error) { return m_sink.start(error); }
+    // A second sink that takes mail only after STARTTLS and AUTH, with a CA and certificate made for it.
+    bool startTls(QString *error);
     QString sinkAddress() const { return m_sink.address(); }
 
     // (a) `alerts` alerts over the bus into a server at kFastTimeScale; waits until every message was received.
-    bool serverPath(int alerts, int timeoutMs, PathRate *rate, QString *error);
-    // (b) the same number of messages, as the server sent them, from smtplib with one connection each.
-    bool plainClient(int messages, int timeoutMs, PathRate *rate, QString *error);
+    // With tls, to the second sink through STARTTLS and AUTH PLAIN.
+    bool serverPath(int alerts, int timeoutMs, PathRate *rate, QString *error, bool tls = false);
+    // (b) the same number of messages, as the server sent them, from smtplib with one connection each (with tls,
+    // each doing STARTTLS and AUTH PLAIN as well).
+    bool plainClient(int messages, int timeoutMs, PathRate *rate, QString *error, bool tls = false);
     // (c) at time scale 1, after start-up, `alerts` alerts spacingMs apart; the latency of each from SendAlert to
     // its receipt.
     bool latency(int alerts, int spacingMs, int settleMs, std::vector<qint64> *latenciesNs, QString *error);
 
 private:
     LocalSmtpServer m_sink;
+    LocalSmtpServer m_tlsSink;
+    TestCertificates m_certs;
 };

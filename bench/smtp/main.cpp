@@ -43,21 +43,30 @@ int main(int argc, char **argv)
     print("SMTP sink (aiosmtpd, maildir) on %s; two recipients per message\n",
           bench.sinkAddress().toUtf8().constData());
 
-    PathRate ours, plain;
+    PathRate ours, plain, oursTls, plainTls;
     if (!bench.serverPath(kMessages, kThroughputTimeoutMs, &ours, &error))
         return fail(error);
     printLoad("after (a)");
     if (!bench.plainClient(kMessages, kThroughputTimeoutMs, &plain, &error))
         return fail(error);
     printLoad("after (b)");
+    if (!bench.startTls(&error) || !bench.serverPath(kMessages, kThroughputTimeoutMs, &oursTls, &error, true))
+        return fail(error);
+    printLoad("after (a) with TLS");
+    if (!bench.plainClient(kMessages, kThroughputTimeoutMs, &plainTls, &error, true))
+        return fail(error);
+    printLoad("after (b) with TLS");
     print("\n%-32s %8s %8s %8s %9s %10s %14s %12s\n", "path", "messages", "seconds", "msg/s", "bytes/msg", "first (ms)",
           "sender CPU ms", "sink CPU ms");
     printRate("(a) alerts through the server", ours);
     printRate("(b) plain smtplib client", plain);
+    printRate("(a) STARTTLS + AUTH PLAIN", oursTls);
+    printRate("(b) smtplib STARTTLS + AUTH PLAIN", plainTls);
     print("(a) at time scale %g, from the first SendAlert to the last receipt; the chamber program heard %d "
           "deliveries, %d failures\n(b) one connection per message, from its first connection to the last receipt\n"
           "(CPU per message: of the server process, or of the plain client, and of aiosmtpd; to 10 ms in all)\n",
           SmtpBench::kFastTimeScale, ours.delivered, ours.failed);
+    print("(a) with STARTTLS + AUTH PLAIN: %d deliveries, %d failures\n", oursTls.delivered, oursTls.failed);
 
     std::vector<qint64> latencies;
     if (!bench.latency(kLatencyAlerts, kLatencySpacingMs, kSettleMs, &latencies, &error))
@@ -74,6 +83,9 @@ int main(int argc, char **argv)
     printTargetHeader();
     printTarget(QStringLiteral("plain client's rate / ours"), QString::asprintf("%.2fx", slowdown),
                 QString::asprintf("<= %gx", kMaxSlowdown), ours.perSecond > 0 && slowdown <= kMaxSlowdown);
+    const double slowdownTls = oursTls.perSecond > 0 ? plainTls.perSecond / oursTls.perSecond : 0;
+    printTarget(QStringLiteral("the same, STARTTLS + AUTH PLAIN"), QString::asprintf("%.2fx", slowdownTls),
+                QString::asprintf("<= %gx", kMaxSlowdown), oursTls.perSecond > 0 && slowdownTls <= kMaxSlowdown);
     printTarget(QStringLiteral("SendAlert to receipt, median"), QString::asprintf("%.0f ms", stats.p50Us / 1000.0),
                 QString::asprintf("< %.0f ms", kMaxMedianMs), stats.p50Us / 1000.0 < kMaxMedianMs);
     return 0;

@@ -7,8 +7,9 @@ packages=(
     cmake g++ make pkg-config
     qt6-base-dev qt6-serialport-dev libqt6sql6-sqlite
     dbus-daemon dbus-bin
-    python3-dbus-next python3-aiosmtpd
+    python3-dbus-next python3-aiosmtpd qtkeychain-qt6-dev openssl
     libtiff-dev libspandsp-dev libtiff-tools efax fonts-dejavu-core
+    dpkg-dev lintian desktop-file-utils man-db file binutils gzip
     "$@"
 )
 

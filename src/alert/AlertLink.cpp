@@ -35,11 +35,13 @@ bool AlertLink::Open_Link(clsAlertCls *obj)
             dropServer();
             m_objAlertServer = obj;
             obj->AddRef();
-            connect(obj, &clsAlertCls::AlertReady, this, &AlertLink::m_objAlertServer_AlertReady);
+            connect(obj, &clsAlertCls::HeartbeatPromised, this, &AlertLink::heartbeat);
         }
         g.gblnServerLinked = !m_objAlertServer.isNull();
         switchOn(m_timers.tmrServer);
         result = g.gblnServerLinked;
+        if (result)
+            Q_EMIT linkOpened();
     });
     return result;
 }
@@ -49,14 +51,22 @@ void AlertLink::m_objAlertServer_AlertReady(const QString &strAlertString)
     guarded(QStringLiteral("m_objAlertServer_AlertReady"), [&] {
         if (strAlertString.isEmpty())
             return;
-        ListStore &queue = m_lists.lvwMsgQue;
-        const int row = queue.add(QString());
-        queue.setText(row, 2, Trim(strAlertString));
+        // The row is added whole, in one change: column 2 the alert, column 4 its category number (the sixth "|"
+        // group) unless alerts are raw.
+        QStringList columns{QString(), Trim(strAlertString)};
+        QString category;
+        bool shortAlert = false;
         if (!g.gblnRawAlerts) {
-            // The sixth "|" group is the category number; a shorter alert is reported after its row was added.
             const QStringList groups = Split(strAlertString, QStringLiteral("|"));
-            queue.setText(row, 4, Trim(element(groups, 5)));
+            shortAlert = groups.size() < 6;
+            if (!shortAlert)
+                category = Trim(groups[5]);
         }
+        columns << QString() << category;
+        m_lists.lvwMsgQue.add(columns);
+        // A shorter alert is reported after its row was added, as reading past the groups always was.
+        if (shortAlert)
+            raise(Err::SubscriptOutOfRange);
     });
 }
 
@@ -125,8 +135,22 @@ void AlertLink::linkedClientLeft(clsAlertCls *obj)
     }
     DumpStr(QStringLiteral("Chamber program ") + g.gstrLinkedForm +
             QStringLiteral(" left without unlinking; the link is free for its return."));
+    const QString form = g.gstrLinkedForm;
     dropServer();
     g.gstrLinkedForm.clear();
+    Q_EMIT chamberStopped(form);
+}
+
+void AlertLink::linkedObjectReleased(clsAlertCls *obj)
+{
+    if (!obj || obj != m_objAlertServer || g.gstrLinkedForm.isEmpty())
+        return;
+    DumpStr(QStringLiteral("Chamber program ") + g.gstrLinkedForm +
+            QStringLiteral(" released its alert object without unlinking; the link is free for its return."));
+    const QString form = g.gstrLinkedForm;
+    dropServer();
+    g.gstrLinkedForm.clear();
+    Q_EMIT chamberStopped(form);
 }
 
 } // namespace osprel

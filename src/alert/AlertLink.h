@@ -36,10 +36,18 @@ public:
     // The linked chamber program left the bus without unlinking: its object goes, and the link is free for the
     // chamber program when it comes back. The server keeps running, so nothing queued is lost.
     void linkedClientLeft(clsAlertCls *obj);
+    // The linked chamber program released its object without unlinking: the link is freed the same way.
+    void linkedObjectReleased(clsAlertCls *obj);
 
 Q_SIGNALS:
     // tmrServer found the link released: the window is to be unloaded by code.
     void unloadRequested();
+    // The linked chamber program went away without unlinking (left the bus or released its object).
+    void chamberStopped(const QString &formName);
+    // An object was linked (its form name is set once the link command returns).
+    void linkOpened();
+    // The linked chamber program promised its next heartbeat within `seconds`.
+    void heartbeat(quint32 seconds);
 
 private:
     FormLists &m_lists;

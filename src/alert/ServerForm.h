@@ -1,8 +1,9 @@
 #pragma once
-// What an alert object may reach of the main window (through gfrmServerForm): the link, the lists whose headings
-// it renames, and the category captions.
+// What an alert object may reach of the main window (through gfrmServerForm): the link, the incoming queue, the
+// lists whose headings it renames, and the category captions.
 
 #include <QString>
+#include <functional>
 
 namespace osprel {
 
@@ -14,6 +15,14 @@ class ServerForm
 public:
     virtual ~ServerForm() = default;
     virtual bool Open_Link(clsAlertCls *obj) = 0;
+    // obj is the object that holds the link.
+    virtual bool isLinkedObject(const clsAlertCls *obj) const = 0;
+    // Puts an alert on the incoming queue; false, with nothing queued, when it cannot be kept.
+    virtual bool takeAlert(const QString &text) = 0;
+    // Calls back once what was queued so far is on disk, with whether it is.
+    virtual void whenStored(std::function<void(bool)> callback) = 0;
+    // Work waits in the incoming, e-mail or fax queue.
+    virtual bool queuesBusy() const = 0;
     virtual FormLists &lists() = 0;
     // The caption of lblErrCata(index), index 0..7.
     virtual void setCategoryCaption(int index, const QString &caption) = 0;

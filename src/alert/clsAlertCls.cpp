@@ -4,12 +4,20 @@
 #include "FormLists.h"
 #include "Globals.h"
 #include "ServerForm.h"
+#include "Log.h"
 #include "Values.h"
 
 namespace osprel {
 
 namespace {
 enum Command : qint16 { Link = 1, UnlinkWhenIdle, UnlinkNow, HeadingWord, CategoryCaptions, RawAlerts, AlertLabels };
+
+// Commands that change the link or the settings come from the linked program only.
+bool fromLinked(const clsAlertCls *obj, const QString &formName)
+{
+    return !g.gstrLinkedForm.isEmpty() && formName == g.gstrLinkedForm && g.gfrmServerForm &&
+           g.gfrmServerForm->isLinkedObject(obj);
+}
 
 void unlink()
 {
@@ -47,10 +55,53 @@ bool clsAlertCls::SendAlert(const QString &strAlertString)
     guarded(QStringLiteral("SendAlert"), [&] {
         if (strAlertString.isEmpty())
             return;
+        // UTF-8 never takes fewer bytes than characters, nor more than three per UTF-16 unit.
+        const qint64 limit = maxAlertBytes();
+        if (strAlertString.size() * 3 > limit) {
+            const qint64 bytes = strAlertString.toUtf8().size();
+            if (bytes > limit) {
+                DumpStr(QStringLiteral("Alert of ") + QString::number(bytes) +
+                        QStringLiteral(" bytes refused: the limit is ") + QString::number(limit) +
+                        QStringLiteral(" bytes."));
+                return;
+            }
+        }
+        ServerForm &form = serverForm();
+        // An object that is not linked has nobody to deliver for: its alert is refused, not dropped.
+        if (!form.isLinkedObject(this) || !form.takeAlert(strAlertString))
+            return;
         Q_EMIT AlertReady(strAlertString);
         result = true;
     });
     return result;
+}
+
+void clsAlertCls::whenStored(std::function<void(bool)> callback)
+{
+    if (!g.gfrmServerForm) {
+        callback(false);
+        return;
+    }
+    g.gfrmServerForm->whenStored(std::move(callback));
+}
+
+bool clsAlertCls::Heartbeat(quint32 seconds)
+{
+    bool result = false;
+    guarded(QStringLiteral("Heartbeat"), [&] {
+        if (seconds == 0 || !serverForm().isLinkedObject(this))
+            return;
+        Q_EMIT HeartbeatPromised(seconds);
+        result = true;
+    });
+    return result;
+}
+
+qint64 maxAlertBytes()
+{
+    bool ok = false;
+    const qint64 limit = qEnvironmentVariable("OSPREL_MAX_ALERT_BYTES").toLongLong(&ok);
+    return ok && limit > 0 ? limit : 65536;
 }
 
 bool clsAlertCls::ServerCmd(const QString &strFormName, qint16 intCmd, const QVariant &CustomStr)
@@ -65,17 +116,32 @@ bool clsAlertCls::ServerCmd(const QString &strFormName, qint16 intCmd, const QVa
             }
             break;
         case UnlinkWhenIdle:
-            if (strFormName == g.gstrLinkedForm && !IsSendInProgress()) {
+            // Work still waiting in a queue counts as being sent: an idle unlink never strands an alert.
+            if (fromLinked(this, strFormName) && !IsSendInProgress() && !serverForm().queuesBusy()) {
                 unlink();
                 result = true;
             }
             break;
         case UnlinkNow:
-            if (strFormName == g.gstrLinkedForm) {
+            if (fromLinked(this, strFormName)) {
                 unlink();
                 result = true;
             }
             break;
+        default:
+            if (fromLinked(this, strFormName))
+                result = setting(intCmd, CustomStr);
+            break;
+        }
+    });
+    return result;
+}
+
+bool clsAlertCls::setting(qint16 intCmd, const QVariant &CustomStr)
+{
+    bool result = false;
+    {
+        switch (intCmd) {
         case HeadingWord: {
             g.gstrHeaderWord = Trim(customString(CustomStr));
             if (!g.gstrHeaderWord.isEmpty()) {
@@ -112,7 +178,7 @@ bool clsAlertCls::ServerCmd(const QString &strFormName, qint16 intCmd, const QVa
         default:
             break;
         }
-    });
+    }
     return result;
 }
 

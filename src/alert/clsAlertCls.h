@@ -4,6 +4,7 @@
 
 #include <QObject>
 #include <QVariant>
+#include <functional>
 
 namespace osprel {
 
@@ -18,7 +19,11 @@ public:
     void AddRef() { ++m_refs; }
     void Release();
 
+    // True when the alert is queued; it is on disk once whenStored() calls back with true.
     bool SendAlert(const QString &strAlertString);
+    void whenStored(std::function<void(bool)> callback);
+    // The linked chamber program promises its next heartbeat within `seconds`; false from any other object.
+    bool Heartbeat(quint32 seconds);
     bool ServerCmd(const QString &strFormName, qint16 intCmd, const QVariant &CustomStr);
 
     // Internal raise methods: reachable from inside the server only.
@@ -31,13 +36,21 @@ Q_SIGNALS:
     void ServerStatus(bool blnBusy, qint16 intEmailStatus, qint16 intFaxStatus);
     void ServerClosing();
     void AlertReady(const QString &strAlertString);
+    // Inside the server only (not a bus event): a heartbeat promise from the linked object.
+    void HeartbeatPromised(quint32 seconds);
 
 private:
+    // Commands 4 to 7: the heading word, the category captions, raw alerts, the alert labels.
+    bool setting(qint16 intCmd, const QVariant &CustomStr);
+
     int m_refs = 0;
 };
 
 // CustomStr used as a string: text as it is, numbers and Booleans as their text; anything else (an array, a
 // structure) raises Type mismatch.
 QString customString(const QVariant &value);
+
+// The longest alert taken, in UTF-8 bytes: OSPREL_MAX_ALERT_BYTES, 65536 when unset.
+qint64 maxAlertBytes();
 
 } // namespace osprel

@@ -5,6 +5,7 @@
 #include "ErrorReport.h"
 #include "Globals.h"
 #include "Log.h"
+#include "QueueRoutines.h"
 #include "RecipientString.h"
 #include "SendStates.h"
 #include "TimeScale.h"
@@ -21,7 +22,8 @@ constexpr int kTrayLeftButtonDoubleClick = 515;
 } // namespace
 
 EmailFaxServer::EmailFaxServer(Log &log, FormLists &lists, const Ports &ports, QObject *parent)
-    : QObject(parent), m_log(log), m_ports(ports), m_lists(lists), m_link(m_lists, m_timers), m_smtp(ports.email),
+    : QObject(parent), m_log(log), m_ports(ports), m_lists(lists), m_link(m_lists, m_timers),
+      m_journal(m_database, m_lists), m_smtp(ports.email),
       m_emailQueue(m_lists, m_timers, m_database, m_smtp, ports.email, ports.recipientsPage, ports.form),
       m_faxDevice(m_faxEngine, m_faxFinder, m_database, m_lists, ports.faxPage, ports.modemPanel),
       m_faxQueue(m_faxEngine, m_faxDevice, m_lists, m_timers, m_database, ports.faxPage, ports.modemPanel,
@@ -33,18 +35,35 @@ EmailFaxServer::EmailFaxServer(Log &log, FormLists &lists, const Ports &ports, Q
                    [this] { m_sendStatus.SendStatUpdate(); }),
       m_recipients(m_lists, m_database, ports.recipientsPage, ports.contactEditor, ports.form, ports.form),
       m_prioritySetup(m_priorities, m_alarms, m_lists, m_timers, ports.alarmSetup, ports.priorityPage),
-      m_commSetup(m_database, ports.commSetup)
+      m_commSetup(m_database, ports.commSetup), m_mailSetup(m_database, ports.email, ports.form, m_secrets),
+      m_supervision(m_lists, m_timers, ports.commSetup, m_link), m_fallback(m_lists, m_timers, ports.commSetup)
 {
+    m_sendStatus.setFinalFailureHandler([this](int via, const QStringList &row) {
+        if (via == 1) // e-mail
+            m_fallback.emailFailedForGood(row);
+        else
+            m_fallback.faxFailedForGood(row);
+    });
     FaxDevice::configureFinder(m_faxFinder);
     m_sendStatus.setFaxLine(&m_faxQueue);
+    connect(&m_faxQueue, &FaxQueue::sendingStarted, this, [this] { m_sendStatus.noteFaxReason(QString()); });
+    connect(&m_faxQueue, &FaxQueue::finished, this,
+            [this](const SendOutcome &outcome) { m_sendStatus.noteFaxReason(outcome.reason); });
     recordSendStates(m_emailQueue, m_faxQueue);
     connect(&m_timers.TimerInit, &QTimer::timeout, this, &EmailFaxServer::TimerInit_Timer);
     connect(&m_link, &AlertLink::unloadRequested, this, [this] { unload(ByCode); });
+    connect(&m_journal, &QueueJournal::healthChanged, this, &EmailFaxServer::storeHealthChanged);
     m_timers.TimerInit.start(); // enabled at design: it runs from the moment the window exists
+    // An alert that goes to nobody leaves a trace: one line in the log and the status line.
+    setUnreachedSink([this](const QString &text) {
+        DumpStr(text);
+        m_ports.form.showPanelMessage(text);
+    });
 }
 
 EmailFaxServer::~EmailFaxServer()
 {
+    setUnreachedSink(nullptr);
     if (g.gfrmServerForm == this)
         g.gfrmServerForm = nullptr;
 }
@@ -61,7 +80,13 @@ void EmailFaxServer::Form_Load()
     guarded(QStringLiteral("Form_Load"), [&] {
         m_lists.InitColHeaders();
         m_database.DBInitADO(g.gstrAppPath);
+        if (!m_database.newerFileText().isEmpty()) {
+            m_ports.form.showMessage(QStringLiteral("Database Read-Only"), m_database.newerFileText());
+            m_ports.form.showPanelMessage(m_database.newerFileText());
+        }
         DBInit(m_database, m_lists, m_ports.commSetup);
+        m_mailSetup.load();
+        resumeQueues();
         m_priorities.DBInitAlarmCatSetup();
         m_priorities.DBInitAlarmPriSetup();
         m_alarms.InitLables();
@@ -86,6 +111,65 @@ void EmailFaxServer::Form_Load()
         g.gfrmServerForm = this;
     });
     m_loading = false;
+}
+
+// What the last run left in the queues goes back into them before any timer runs, and is delivered as usual.
+void EmailFaxServer::resumeQueues()
+{
+    const QueueJournal::Counts restored = m_journal.restore();
+    m_journal.attach();
+    if (restored.emails > 0)
+        switchOn(m_timers.TimerEmailMsgQue);
+    if (restored.faxes > 0)
+        switchOn(m_timers.TimerFaxMsgQue);
+    if (!m_database.writable())
+        m_journal.fail(!m_database.newerFileText().isEmpty() ? QStringLiteral("it was written by a newer version")
+                       : m_database.isOpen()                 ? QStringLiteral("the file is read-only")
+                                                             : QStringLiteral("the file could not be opened"));
+}
+
+void EmailFaxServer::storeHealthChanged(bool healthy, const QString &reason)
+{
+    g.gblnStoreFailed = !healthy;
+    // A file of a newer version has said so in the window already, in more words.
+    if (!healthy && m_database.newerFileText().isEmpty())
+        m_ports.form.showPanelMessage(QStringLiteral("The database cannot be written (") + reason +
+                                      QStringLiteral("). Alerts are refused until it can."));
+    if (g.gblnServerLinked && m_link.server())
+        m_link.server()->SendServerStatus(IsSendInProgress() || g.gblnStoreFailed, reportedEmailState(),
+                                          reportedFaxState());
+}
+
+bool EmailFaxServer::isLinkedObject(const clsAlertCls *obj) const
+{
+    return obj && obj == m_link.server() && !g.gstrLinkedForm.isEmpty();
+}
+
+bool EmailFaxServer::takeAlert(const QString &text)
+{
+    if (!m_journal.healthy())
+        return false;
+    ListStore &incoming = m_lists.lvwMsgQue;
+    const int before = incoming.count();
+    m_link.m_objAlertServer_AlertReady(text);
+    const int row = incoming.count();
+    if (row == before)
+        return false;
+    if (!m_journal.isStored(incoming, row)) {
+        incoming.remove(row); // what cannot be kept is refused, not held in memory
+        return false;
+    }
+    return true;
+}
+
+void EmailFaxServer::whenStored(std::function<void(bool)> callback)
+{
+    m_database.whenCommitted(std::move(callback));
+}
+
+bool EmailFaxServer::queuesBusy() const
+{
+    return !m_lists.lvwMsgQue.isEmpty() || !m_lists.lvwSendEmailQue.isEmpty() || !m_lists.lvwSendFaxQue.isEmpty();
 }
 
 void EmailFaxServer::VersionControl()
@@ -121,6 +205,11 @@ bool EmailFaxServer::Form_QueryUnload(int UnloadMode)
             g.gblnServerLinked = false;
             break;
         case CloseBox:
+            if (m_settingsOnly) {
+                // Nobody else needs this process: closing the settings window ends it.
+                g.gblnServerLinked = false;
+                break;
+            }
             // Closing by hand only hides the window: the server keeps running in the notification area.
             cancel = true;
             g.gblnServerLinked = true;
@@ -148,6 +237,9 @@ bool EmailFaxServer::Form_Unload()
             return;
         }
         m_link.StopQueueTimers();
+        // An outcome already in is recorded; what is not yet delivered stays on disk for the next start.
+        m_sendStatus.SendStatUpdate();
+        m_journal.detach();
         m_database.close();
         if (m_smtp.wsockctlState() == 7)
             m_smtp.abort();
@@ -195,9 +287,31 @@ void EmailFaxServer::Form_MouseMove(int x, int y)
     });
 }
 
+// A stop lets a message already on its way reach its outcome first (for at most kDrainMs), so that it is neither
+// cut off nor sent again at the next start. No new message is started meanwhile.
+bool EmailFaxServer::waitForSendInFlight(int mode)
+{
+    constexpr qint64 kDrainMs = 10000;
+    if (g.gintEmailSendState != 1 && g.gintFaxSendState != 1)
+        return false;
+    if (!m_draining.isValid()) {
+        m_draining.start();
+        m_timers.TimerMsgQue.stop();
+        m_timers.TimerEmailMsgQue.stop();
+        m_timers.TimerFaxMsgQue.stop();
+        DumpStr(QStringLiteral("Stopping once the message on its way has its outcome."));
+    }
+    if (m_draining.elapsed() >= kDrainMs)
+        return false;
+    QTimer::singleShot(10, this, [this, mode] { unload(mode); });
+    return true;
+}
+
 void EmailFaxServer::unload(int mode)
 {
     if (m_unloaded)
+        return;
+    if ((mode == ByCode || mode == SystemShutdown) && waitForSendInFlight(mode))
         return;
     if (Form_QueryUnload(mode))
         return;

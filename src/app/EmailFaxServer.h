@@ -9,21 +9,27 @@
 #include "Database.h"
 #include "Dispatcher.h"
 #include "EmailQueue.h"
+#include "Fallback.h"
 #include "FaxDevice.h"
 #include "FaxEngine.h"
 #include "FaxFinder.h"
 #include "FaxQueue.h"
 #include "FormLists.h"
 #include "FormTimers.h"
+#include "MailSetup.h"
 #include "Ports.h"
 #include "PrioritySetup.h"
 #include "PriorityStore.h"
+#include "QueueJournal.h"
 #include "Recipients.h"
+#include "SecretStore.h"
 #include "SendStatus.h"
 #include "ServerForm.h"
 #include "SmtpClient.h"
+#include "Supervision.h"
 #include "TrayState.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 
 namespace osprel {
@@ -55,15 +61,25 @@ public:
     Recipients &recipients() { return m_recipients; }
     PrioritySetup &prioritySetup() { return m_prioritySetup; }
     CommSetup &commSetup() { return m_commSetup; }
+    MailSetup &mailSetup() { return m_mailSetup; }
     FaxEngine &faxEngine() { return m_faxEngine; }
     FaxFinder &faxFinder() { return m_faxFinder; }
     FaxDevice &faxDevice() { return m_faxDevice; }
     FaxQueue &faxQueue() { return m_faxQueue; }
     bool isLoading() const { return m_loading; }
+    // The window runs without a chamber program (--settings): closing it ends the program.
+    void setSettingsOnly(bool on) { m_settingsOnly = on; }
+    bool isSettingsOnly() const { return m_settingsOnly; }
 
     // ServerForm
     FormLists &lists() override { return m_lists; }
     bool Open_Link(clsAlertCls *obj) override { return m_link.Open_Link(obj); }
+    bool isLinkedObject(const clsAlertCls *obj) const override;
+    bool takeAlert(const QString &text) override;
+    void whenStored(std::function<void(bool)> callback) override;
+    bool queuesBusy() const override;
+    QueueJournal &journal() { return m_journal; }
+    Supervision &supervision() { return m_supervision; }
     void setCategoryCaption(int index, const QString &caption) override;
 
     void Form_Load();
@@ -85,12 +101,18 @@ Q_SIGNALS:
     void finished();
 
 private:
+    void storeHealthChanged(bool healthy, const QString &reason);
+    bool waitForSendInFlight(int mode);
+    void resumeQueues();
+
+private:
     Log &m_log;
     Ports m_ports;
     FormLists &m_lists;
     FormTimers m_timers;
     AlertLink m_link;
     Database m_database;
+    QueueJournal m_journal;
     SmtpClient m_smtp;
     EmailQueue m_emailQueue;
     FaxEngine m_faxEngine;
@@ -105,8 +127,14 @@ private:
     Recipients m_recipients;
     PrioritySetup m_prioritySetup;
     CommSetup m_commSetup;
+    SecretStore m_secrets;
+    MailSetup m_mailSetup;
+    Supervision m_supervision;
+    Fallback m_fallback;
     bool m_loading = false;
     bool m_unloaded = false;
+    QElapsedTimer m_draining; // running while a stop waits for a message on its way
+    bool m_settingsOnly = false;
 };
 
 } // namespace osprel

@@ -37,6 +37,9 @@ void FormLists::InitColHeaders()
         addColumns(lvwMsgQue, {{"ID", 700}, {"Message", 700}, {"Status", 700}, {"Category", 3000}});
         addColumns(lvwSendEmailQue, kSendQueueHead);
         addColumns(lvwSendEmailQue, {{"Alarm ID", 1350}});
+        // A job's delivery state, so that the row alone resumes it: status, next try, Message-ID, deferrals.
+        addColumns(lvwSendEmailQue,
+                   {{"Status", 2000}, {"Next Try", 1750}, {"Message-ID", 0}, {"Deferrals", 0}, {"First Deferred", 0}});
         addColumns(lvwHist[0], kHistory);
         addColumns(lvwSendFaxQue, kSendQueueHead);
         addColumns(lvwSendFaxQue, {{"LName", 1350}, {"FName", 1350}, {"Alarm ID", 1350}});

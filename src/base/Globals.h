@@ -28,6 +28,7 @@ struct Globals
     qint16 gintIconState = 0;     // tray alert state: 0 normal, 1 sent, 2 failed
     QString gstrEmailRecipients;  // every e-mail recipient's address, each followed by "; "
     QString gstrAppPath;          // the data folder, without a trailing separator
+    bool gblnStoreFailed = false; // the database cannot be written: alerts are refused until it can
 };
 
 extern Globals g;
@@ -37,5 +38,10 @@ void resetGlobals();
 
 // True while an e-mail or a fax is being sent or its outcome is not yet recorded.
 bool IsSendInProgress();
+
+// The send states as ServerStatus reports them: both -1 while the database cannot be written, so that the chamber
+// program knows the server is not keeping what it is given.
+qint16 reportedEmailState();
+qint16 reportedFaxState();
 
 } // namespace osprel

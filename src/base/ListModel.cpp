@@ -16,6 +16,9 @@ QVariant ListModel::data(const QModelIndex &index, int role) const
 {
     if (!index.isValid() || index.row() >= rowCount() || (role != Qt::DisplayRole && role != Qt::ToolTipRole))
         return QVariant();
+    // A row with a note (why a send failed) shows it as the tooltip of every cell.
+    if (role == Qt::ToolTipRole && !note(index.row()).isEmpty())
+        return note(index.row());
     return cell(index.row(), index.column());
 }
 
@@ -51,32 +54,43 @@ void ListModel::appendRow(QStringList columns)
 {
     const int row = int(m_rows.size());
     beginInsertRows(QModelIndex(), row, row);
-    m_rows.push_back(std::move(columns));
+    m_rows.push_back({std::move(columns), QString()});
     endInsertRows();
 }
 
 void ListModel::insertRowAt(int row, QStringList columns)
 {
     beginInsertRows(QModelIndex(), row, row);
-    m_rows.insert(m_rows.begin() + row, std::move(columns));
+    m_rows.insert(m_rows.begin() + row, Row{std::move(columns), QString()});
     endInsertRows();
 }
 
 const QString &ListModel::cell(int row, int column) const
 {
     static const QString empty;
-    const QStringList &columns = m_rows[size_t(row)];
+    const QStringList &columns = m_rows[size_t(row)].cells;
     return column < columns.size() ? columns.at(column) : empty;
 }
 
 void ListModel::setCell(int row, int column, const QString &text)
 {
-    QStringList &columns = m_rows[size_t(row)];
+    QStringList &columns = m_rows[size_t(row)].cells;
     while (columns.size() <= column)
         columns.append(QString());
     columns[column] = text;
     const QModelIndex changed = index(row, column);
     Q_EMIT dataChanged(changed, changed, {Qt::DisplayRole});
+}
+
+const QString &ListModel::note(int row) const
+{
+    return m_rows[size_t(row)].note;
+}
+
+void ListModel::setNote(int row, const QString &text)
+{
+    m_rows[size_t(row)].note = text;
+    Q_EMIT dataChanged(index(row, 0), index(row, columnCount() - 1), {Qt::ToolTipRole});
 }
 
 void ListModel::removeRowAt(int row)

@@ -30,6 +30,9 @@ public:
     void insertRowAt(int row, QStringList columns);
     const QString &cell(int row, int column) const;
     void setCell(int row, int column, const QString &text);
+    // A text that goes with a row without being one of its columns; shown as the row's tooltip.
+    const QString &note(int row) const;
+    void setNote(int row, const QString &text);
     void removeRowAt(int row);
     void clearRows();
 
@@ -39,8 +42,13 @@ private:
         QString caption;
         int widthTwips;
     };
+    struct Row
+    {
+        QStringList cells;
+        QString note;
+    };
     QList<Header> m_headers;
-    std::deque<QStringList> m_rows;
+    std::deque<Row> m_rows;
 };
 
 } // namespace osprel

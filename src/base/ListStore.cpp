@@ -73,6 +73,18 @@ void ListStore::setText(int row, int column, const QString &text)
     m_model.setCell(row - 1, column - 1, text);
 }
 
+QString ListStore::note(int row) const
+{
+    checkRow(row);
+    return m_model.note(row - 1);
+}
+
+void ListStore::setNote(int row, const QString &text)
+{
+    checkRow(row);
+    m_model.setNote(row - 1, text);
+}
+
 QStringList ListStore::row(int row) const
 {
     checkRow(row);

@@ -35,6 +35,9 @@ public:
     void insert(int before, const QStringList &columns);
     QString text(int row, int column = 1) const;
     void setText(int row, int column, const QString &text);
+    // The row's note: a text kept with the row (why its send failed), shown as its tooltip.
+    QString note(int row) const;
+    void setNote(int row, const QString &text);
     QStringList row(int row) const;
     void remove(int row);
     void clear();

@@ -11,8 +11,41 @@
 
 namespace osprel {
 
+namespace {
+UnreachedSink &unreachedSink()
+{
+    static UnreachedSink sink;
+    return sink;
+}
+
+// Why a message went nowhere, for the log and the status line.
+QString unreachedText(const SendSwitches &switches, const FormLists &lists, const SendJob &job)
+{
+    const QString email = !switches.chkEnableEmail()         ? QStringLiteral("e-mail is switched off")
+                          : lists.lvwEmailContacts.isEmpty() ? QStringLiteral("no e-mail recipients")
+                                                             : QString();
+    const QString fax = !switches.chkEnableFax()         ? QStringLiteral("fax is switched off")
+                        : lists.lvwFaxContacts.isEmpty() ? QStringLiteral("no fax recipients")
+                                                         : QString();
+    const QString what =
+        job.alertNumber == QLatin1String("*")
+            ? QStringLiteral("Summary report ") + job.chamberName
+            : QStringLiteral("Alert ") + job.alertNumber + QStringLiteral(" (") + job.chamberName + QStringLiteral(")");
+    return what + QStringLiteral(" reached nobody: ") + email + QStringLiteral(", ") + fax + u'.';
+}
+} // namespace
+
+void setUnreachedSink(UnreachedSink sink)
+{
+    unreachedSink() = std::move(sink);
+}
+
 void queueSendJobs(FormLists &lists, FormTimers &timers, const SendSwitches &switches, const SendJob &job)
 {
+    const bool byEmail = switches.chkEnableEmail() && !lists.lvwEmailContacts.isEmpty();
+    const bool byFax = switches.chkEnableFax() && !lists.lvwFaxContacts.isEmpty();
+    if (!byEmail && !byFax && unreachedSink())
+        unreachedSink()(unreachedText(switches, lists, job));
     if (switches.chkEnableEmail() && !lists.lvwEmailContacts.isEmpty()) {
         lists.lvwSendEmailQue.add(QStringList{GetDateTimeStamp(), job.message, job.chamberName, g.gstrEmailRecipients,
                                               QStringLiteral("0"), job.categoryName, job.histData, job.alertNumber});

@@ -3,6 +3,7 @@
 // rows of a new send job, the row of a message in delivery, and the list routines named LVW....
 
 #include <QString>
+#include <functional>
 
 namespace osprel {
 
@@ -29,7 +30,12 @@ struct SendJob
 // Puts one job on the e-mail queue for all e-mail recipients together and one job per fax recipient on the fax
 // queue, each only while its messaging is switched on and its recipient list is not empty, and switches the
 // queue's timer on.
+// A job that reaches nobody (neither queue took it) is told once to the sink, with the words saying why.
 void queueSendJobs(FormLists &lists, FormTimers &timers, const SendSwitches &switches, const SendJob &job);
+
+// Where queueSendJobs tells of a message that reaches nobody; the server installs the log and the status line here.
+using UnreachedSink = std::function<void(const QString &text)>;
+void setUnreachedSink(UnreachedSink sink);
 
 // The row of a message going out, at the top of history list histIndex (0 e-mail, 1 fax): the time stamp, the
 // status, and the fields of the job's history data; the oldest half goes first when the list holds over 100.

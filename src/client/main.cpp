@@ -44,12 +44,16 @@ int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("osprel-client"));
+    QCoreApplication::setApplicationVersion(
+        QStringLiteral("%1.%2.%3").arg(OSPREL_VERSION_MAJOR).arg(OSPREL_VERSION_MINOR).arg(OSPREL_VERSION_PATCH));
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "Talks to the Osprel EmailFax server as a chamber program does: creates an alert object, links with "
         "command 1, sends the alerts given as arguments (or read from standard input, one a line) and the "
-        "commands given with --cmd, prints every event it receives as one line, and unlinks."));
+        "commands given with --cmd, prints every event it receives as one line, and unlinks.\n\n"
+        "Environment:\n  DBUS_SESSION_BUS_ADDRESS  the session bus, when --bus is not given"));
     parser.addHelpOption();
+    parser.addVersionOption();
     parser.addPositionalArgument(QStringLiteral("alert"), QStringLiteral("Alert texts to send."),
                                  QStringLiteral("[alert...]"));
     const QCommandLineOption busOption(QStringLiteral("bus"), QStringLiteral("Bus address (default: the session bus)."),

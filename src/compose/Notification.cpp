@@ -57,6 +57,9 @@ QStringList AddErrLables(const QStringList &fields)
                 line += categoryNameOf(element(fields, 19));
             else if (layout.field >= 0)
                 line += element(fields, layout.field);
+            // A line break inside a value would start a line of its own in the mail or on the fax page: one
+            // value, one line.
+            line.replace(u'\r', u' ').replace(u'\n', u' ');
             lines.append(line);
         }
     });

@@ -4,7 +4,10 @@
 // queue timers, and the reply to the chamber program. Guarded against being re-entered from an event handled
 // while it runs. It takes the SMTP client's outcomes itself: each is recorded and refreshed at once.
 
+#include "SendOutcome.h"
+
 #include <QObject>
+#include <QStringList>
 #include <functional>
 
 namespace osprel {
@@ -37,6 +40,11 @@ public:
     void setFaxLine(FaxLine *line) { m_faxLine = line; }
     // The monotonic milliseconds the fax limits are measured with (tests move them); real time by default.
     void setElapsedSource(std::function<qint64()> source) { m_elapsedMs = std::move(source); }
+    // Told of each message that failed for good, with its queue row, after the row left its queue (1 e-mail, 2 fax).
+    using FinalFailure = std::function<void(int via, const QStringList &row)>;
+    void setFinalFailureHandler(FinalFailure handler) { m_finalFailure = std::move(handler); }
+    // Why the fax in progress failed, as the fax queue reported it (e-mail outcomes are taken from the client).
+    void noteFaxReason(const QString &reason) { m_faxReason = reason; }
 
     void SendStatUpdate();
     bool isUpdating() const { return gblnStatusUpdating; }
@@ -62,11 +70,16 @@ private:
     SmtpClient &m_smtp;
     TrayState &m_tray;
     StatusPort &m_port;
+    FinalFailure m_finalFailure;
     FaxLine *m_faxLine = nullptr;
     std::function<qint64()> m_elapsedMs;
     qint64 m_faxSendingSince = 0;
     QMetaObject::Connection m_smtpOutcomes;
+    SendOutcome m_emailOutcome; // the SMTP client's last outcome: temporary or not, and whom the server refused
     bool gblnStatusUpdating = false;
+    // The reason of the latest failure, shown beside "Send Failed" and as the history row's tooltip.
+    QString m_emailReason;
+    QString m_faxReason;
 };
 
 } // namespace osprel

@@ -49,7 +49,8 @@ void Dispatcher::TimerMsgQue_Timer()
         if (m_sendStatUpdate)
             m_sendStatUpdate();
         if (g.gblnServerLinked && m_link.server())
-            m_link.server()->SendServerStatus(IsSendInProgress(), g.gintEmailSendState, g.gintFaxSendState);
+            m_link.server()->SendServerStatus(IsSendInProgress() || g.gblnStoreFailed, reportedEmailState(),
+                                              reportedFaxState());
     });
 }
 

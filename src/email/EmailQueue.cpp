@@ -4,6 +4,7 @@
 #include "CommSetup.h"
 #include "Conversions.h"
 #include "Database.h"
+#include "EmailDeferral.h"
 #include "EmailQueuePort.h"
 #include "ErrorReport.h"
 #include "FormLists.h"
@@ -34,10 +35,16 @@ void EmailQueue::TimerEmailMsgQue_Timer()
         if (m_smtp.SmtpState() != 0 || g.gintEmailSendState != 0 || !m_port.chkEnableEmail() || queue.isEmpty() ||
             m_lists.lvwEmailContacts.isEmpty())
             return;
+        // A deferred job waits for its next try while the others go on; the timer keeps ticking for it.
+        if (!bringDueJobToTop(queue, Clock::now()))
+            return;
         m_timers.TimerEmailMsgQue.stop(); // the dispatcher or the outcome switches it on again
+        g.glngEmailAttempts = queue.text(1, EmailJobColumn::Attempts).toInt();
         const QString body = queue.text(1, 2);
         const QString subject = queue.text(1, 3) + QStringLiteral(" Chamber Notification: ") + queue.text(1, 6);
-        m_smtp.SendEmail(g.gstrEmailRecipients, subject, body);
+        m_smtp.SendEmail(g.gstrEmailRecipients, subject, body, queue.text(1, EmailJobColumn::MessageId));
+        if (queue.text(1, EmailJobColumn::MessageId).isEmpty())
+            queue.setText(1, EmailJobColumn::MessageId, m_smtp.messageId());
         Q_EMIT sendingStarted();
         addDeliveryRow(m_lists, 0, QStringLiteral("Sending"), g.gstrEmailRecipients, queue.text(1, 7));
     });

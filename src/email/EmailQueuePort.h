@@ -18,6 +18,8 @@ public:
     virtual void setTxtTestEmailProg(const QString &text) = 0;
     // The test e-mail's boxes as the page opens with them.
     virtual void setTestEmailFields(const QString &to, const QString &subject, const QString &message) = 0;
+    // The mail fields beyond the server and the sender, as stored (a window without them ignores this).
+    virtual void setMailSettings(const MailSettings &settings) { Q_UNUSED(settings) }
 };
 
 } // namespace osprel

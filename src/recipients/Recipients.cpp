@@ -1,5 +1,7 @@
 #include "Recipients.h"
 
+#include "MailAddress.h"
+
 #include "Database.h"
 #include "ErrorReport.h"
 #include "FormLists.h"
@@ -131,12 +133,14 @@ void Recipients::cmdEdit_Click()
 
 QString Recipients::validate(const ContactFields &f) const
 {
-    const QString email = Trim(f.Email);
+    // A domain without a dot (user@localhost, a lab's own mail host) is an address like any other.
+    const QString email = normalizeAddress(f.Email);
     if (!email.isEmpty()) {
-        if (!email.contains(u'.'))
-            return QStringLiteral("The email address must contain a '.' symbol.");
         if (!email.contains(u'@'))
             return QStringLiteral("The email address must contain an '@' symbol.");
+        const QString problem = addressProblem(email);
+        if (!problem.isEmpty())
+            return QStringLiteral("The email address cannot be used: ") + problem + u'.';
     }
     const QString ac = Trim(f.FaxAC), middle = Trim(f.Fax3D), last = Trim(f.Fax4D);
     if (!ac.isEmpty() || !middle.isEmpty() || !last.isEmpty()) {
@@ -155,7 +159,7 @@ void Recipients::cmdContactsOK_Click()
         RecipientRec rec;
         rec.LastName = Trim(f.LName);
         rec.FirstName = Trim(f.FName);
-        rec.EmailName = Trim(f.Email);
+        rec.EmailName = normalizeAddress(f.Email); // "<a@b>" is stored as a@b
         rec.FaxNumber = Trim(f.FaxAC) + Trim(f.Fax3D) + Trim(f.Fax4D);
         rec.Notes = Trim(f.Notes);
         const QString problem = validate(f);
@@ -215,18 +219,18 @@ bool Recipients::editContact(const RecipientRec &rec)
     return filed;
 }
 
-// A person is on the e-mail list when they have an e-mail address, and on the fax list when they have a fax
-// number: the old row goes, and the person is filed again under the new names and address.
+// An edit keeps the person's place on the e-mail and fax lists: somebody on a list is filed again there under the
+// new names and address (and leaves it when the address was emptied); somebody who was not on it stays off.
 bool Recipients::refileAddress(int listType, const QString &oldLast, const QString &oldFirst, const RecipientRec &rec)
 {
     ListStore &list = listType == EmailList ? m_lists.lvwEmailContacts : m_lists.lvwFaxContacts;
     const QString &address = listType == EmailList ? rec.EmailName : rec.FaxNumber;
     const int old = findRow(list, oldLast, oldFirst);
-    if (old)
-        list.remove(old);
+    if (!old)
+        return true;
+    list.remove(old);
     if (address.isEmpty()) {
-        if (old)
-            DBEditRecipient(m_database, listType == EmailList ? DisableEmail : DisableFax, rec);
+        DBEditRecipient(m_database, listType == EmailList ? DisableEmail : DisableFax, rec);
         return true;
     }
     RecipientRec filed = rec;

@@ -20,6 +20,7 @@ namespace osprel {
 
 namespace {
 const QString kSeparator = QStringLiteral("\r\n-----------------------------\r\n\r\n");
+const QString kEarlyReportTitle = QStringLiteral("Early Report (alarm pool full)");
 } // namespace
 
 AlarmQueue::AlarmQueue(const Database &database, FormLists &lists, FormTimers &timers, QueuedAlarmsPort &counters,
@@ -34,17 +35,21 @@ void AlarmQueue::DBAddAlmMsg(const QString &ErrID, const QString &AlarmString, q
     guarded(QStringLiteral("DBAddAlmMsg"), [&] {
         if (storeInFreeSlot(ErrID, AlarmString, Catagory, Priority, HistData))
             return;
-        // The pool is full: it is emptied as a whole and the new alarm takes the first slot. Pending alarms are
-        // discarded on purpose, rather than the oldest one by one; their counters stay as they were.
+        // The pool is full: every level's held alarms go out at once as that level's report, titled as an early
+        // one, and the freed rows take the new alarm from the first. Nothing held is discarded.
         QSqlQuery pending = m_database.run(QStringLiteral("SELECT count(*) FROM AlarmMsgs WHERE OverWrite = FALSE"));
-        const int discarded = pending.next() ? pending.value(0).toInt() : 0;
+        const int held = pending.next() ? pending.value(0).toInt() : 0;
         pending.finish();
-        if (discarded == 0) {
+        if (held == 0) {
             DumpStr(QStringLiteral("The alarm table has no rows: alarm ") + ErrID + QStringLiteral(" is not held."));
             return;
         }
         m_timers.TimerMsgQue.stop();
-        m_database.run(QStringLiteral("UPDATE AlarmMsgs SET OverWrite = TRUE WHERE OverWrite = FALSE"));
+        m_database.beginBatch(); // the reports' queue rows and the freed pool are one change on disk
+        DumpStr(QStringLiteral("The alarm pool is full: its ") + QString::number(held) +
+                QStringLiteral(" held alarms are sent now as early reports."));
+        for (qint16 level = 0; level <= 2; ++level)
+            report(level, kEarlyReportTitle);
         storeInFreeSlot(ErrID, AlarmString, Catagory, Priority, HistData);
         switchOn(m_timers.TimerMsgQue);
     });
@@ -70,7 +75,12 @@ bool AlarmQueue::storeInFreeSlot(const QString &ErrID, const QString &AlarmStrin
 
 void AlarmQueue::DBGetAlmMsg(qint16 Level, qint16 Mode)
 {
-    guarded(QStringLiteral("DBGetAlmMsg"), [&] {
+    guarded(QStringLiteral("DBGetAlmMsg"), [&] { report(Level, GetReportTypeName(Mode) + QStringLiteral(" Report")); });
+}
+
+void AlarmQueue::report(qint16 Level, const QString &title)
+{
+    {
         QSqlQuery pending = m_database.run(
             QStringLiteral("SELECT rowid, AlarmString, Catagory FROM AlarmMsgs WHERE OverWrite = FALSE AND Priority = ?"
                            " ORDER BY rowid"),
@@ -101,7 +111,6 @@ void AlarmQueue::DBGetAlmMsg(qint16 Level, qint16 Mode)
         }
 
         const QString levelLine = GetPriLevelName(Level) + QStringLiteral(" Priority Setting");
-        const QString title = GetReportTypeName(Mode) + QStringLiteral(" Report");
         const QString alertLine = QStringLiteral("*|") + title + QStringLiteral("|*|*|*|*");
         const QString header = QStringLiteral("# Vantor 32 ") + title + QStringLiteral(" #\r\n# ") + levelLine +
                                QStringLiteral(" #\r\n\r\n");
@@ -112,7 +121,7 @@ void AlarmQueue::DBGetAlmMsg(qint16 Level, qint16 Mode)
             if (reported[i])
                 QueTrackClear(i);
         }
-    });
+    }
 }
 
 void AlarmQueue::QueTrackClear(qint16 CatIndex)

@@ -28,6 +28,8 @@ public:
     void InitLables();
 
 private:
+    // Sends level's held alarms as one report under title (newest first) and frees their rows; raises on a bad row.
+    void report(qint16 Level, const QString &title);
     bool storeInFreeSlot(const QString &ErrID, const QString &AlarmString, qint16 Catagory, qint16 Priority,
                          const QString &HistData);
 

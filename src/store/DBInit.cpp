@@ -54,7 +54,7 @@ void loadHistory(const Database &database, const QString &table, ListStore &list
                      {rows - kHistoryKeep});
     }
     QSqlQuery history = database.run(QStringLiteral("SELECT ") + historyColumns().join(QStringLiteral(", ")) +
-                                     QStringLiteral(" FROM ") + table + QStringLiteral(" ORDER BY rowid"));
+                                     QStringLiteral(" FROM ") + table + QStringLiteral(" ORDER BY rowid DESC"));
     while (history.next()) {
         QStringList columns;
         for (const QString &column : historyColumns())
@@ -77,9 +77,9 @@ void DBInit(const Database &database, FormLists &lists, CommSetupPort &port)
 {
     guarded(QStringLiteral("DBInit"), [&] {
         loadContacts(database, lists);
-        // Both histories go to the first history list, the fax rows after the e-mail rows.
+        // Each history to its own list, newest first, as rows are added while the server runs.
         loadHistory(database, QStringLiteral("EmailHistory"), lists.lvwHist[0]);
-        loadHistory(database, QStringLiteral("FaxHistory"), lists.lvwHist[0]);
+        loadHistory(database, QStringLiteral("FaxHistory"), lists.lvwHist[1]);
         loadCommSettings(database, port);
     });
 }

@@ -24,9 +24,22 @@ const QList<Migration> &migrations()
     static const QList<Migration> list{
         // 1: versions are kept; the classic tables are as they were.
         {1, {}},
-        // 3: the fax modem's profile beside SetupModem (flow control, reports, bit order, RTC, delays), the ports
-        // the device search may probe and those it must not, and the device last used.
+        // 2: the incoming, e-mail and fax queues are kept on disk, one row per list row, so that a restart
+        // resumes them. Columns holds the list row's columns as a JSON array of strings.
+        {2,
+         {QStringLiteral("CREATE TABLE IF NOT EXISTS QueueRows (Queue TEXT NOT NULL, Position REAL NOT NULL,"
+                         " Columns TEXT NOT NULL)"),
+          QStringLiteral("CREATE INDEX IF NOT EXISTS QueueRowsByPosition ON QueueRows (Queue, Position)")}},
+        // 3: how the SMTP client reaches the mail server (security, authentication, time-outs); secrets stay out.
         {3,
+         {QStringLiteral("CREATE TABLE IF NOT EXISTS MailServerSecurity (Security INTEGER DEFAULT 0, Auth INTEGER "
+                         "DEFAULT 0, UserName TEXT, AllowClearAuth INTEGER DEFAULT 0, CaFile TEXT, PinnedSha256 TEXT, "
+                         "TokenSource INTEGER DEFAULT 0, TokenUrl TEXT, Tenant TEXT, ClientId TEXT, Scope TEXT, "
+                         "TokenCommand TEXT, ConnectTimeout INTEGER DEFAULT 30, ReplyTimeout INTEGER DEFAULT 120, "
+                         "DotTimeout INTEGER DEFAULT 600, KillTimeMinutes INTEGER DEFAULT 240)")}},
+        // 4: the fax modem's profile beside SetupModem (flow control, reports, bit order, RTC, delays), the ports
+        // the device search may probe and those it must not, and the device last used.
+        {4,
          {QStringLiteral("CREATE TABLE IF NOT EXISTS SetupModemProfile (FlowControl INTEGER, FlowCmd TEXT, "
                          "ReportParams INTEGER, BitOrder INTEGER, ModemAppendsRTC INTEGER, FrsDelay INTEGER, "
                          "FtsDelay INTEGER, TcfDelay INTEGER, SearchPorts TEXT, NotModemPorts TEXT, "

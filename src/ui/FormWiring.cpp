@@ -9,6 +9,7 @@
 #include "pages/ContactEditor.h"
 #include "pages/HistoryPage.h"
 #include "pages/LevelFrame.h"
+#include "pages/MailSecurityPanel.h"
 #include "pages/PriorityPage.h"
 #include "pages/QueuePanel.h"
 #include "pages/RecipientsPage.h"
@@ -33,6 +34,8 @@ void wireWindow(MainWindow &window, EmailFaxServer &server)
     QObject::connect(&window, &MainWindow::closeRequested, &server, [&server](QCloseEvent *event) {
         if (server.Form_QueryUnload(EmailFaxServer::CloseBox))
             event->ignore();
+        else
+            server.unload(EmailFaxServer::ByCode); // the settings window alone: the program ends
     });
     QObject::connect(&window, &MainWindow::resized, &server, &EmailFaxServer::Form_Resize);
     QObject::connect(&window, &MainWindow::trayMessage, &server,
@@ -40,7 +43,16 @@ void wireWindow(MainWindow &window, EmailFaxServer &server)
     QObject::connect(&window, &MainWindow::restoreRequested, &server, &EmailFaxServer::mPopRestore_Click);
     QObject::connect(&window, &MainWindow::exitRequested, &server, &EmailFaxServer::mPopExit_Click);
     for (int i = 0; i < 2; ++i) {
-        onClick(window.historyPage(i)->cmdClear, window, [&server, i] { server.sendStatus().cmdClear_Click(i); });
+        onClick(window.historyPage(i)->cmdClear, window, [&window, &server, i] {
+            const int rows = server.lists().lvwHist[i].count();
+            if (rows == 0)
+                return;
+            window.confirm(QStringLiteral("Clear History"),
+                           QStringLiteral("Delete all %1 rows of the %2 history? They cannot be brought back.")
+                               .arg(rows)
+                               .arg(i == 0 ? QStringLiteral("e-mail") : QStringLiteral("fax")),
+                           [&server, i] { server.sendStatus().cmdClear_Click(i); });
+        });
         onClick(window.queuePanel()->cmdClearQueue[i], window,
                 [&server, i] { server.sendStatus().cmdClearQueue_Click(i); });
     }
@@ -54,8 +66,17 @@ void wireCommSetup(MainWindow &window, EmailFaxServer &server)
                      [&server] { server.emailQueue().chkEnableEmail_Click(); });
     for (QLineEdit *box : {page.txtMailServer, page.txtFrom, page.txtFromName, page.txtFaxStation})
         QObject::connect(box, &QLineEdit::textEdited, &window, [&server] { server.commSetup().SetCommSetupChanged(); });
-    onClick(page.cmdAcceptCommSetup, window, [&server] { server.commSetup().cmdAcceptCommSetup_Click(); });
-    onClick(page.cmdCancelCommSetup, window, [&server] { server.commSetup().cmdCancelCommSetup_Click(); });
+    QObject::connect(page.fraMailSecurity, &MailSecurityPanel::edited, &window,
+                     [&server] { server.commSetup().SetCommSetupChanged(); });
+    // The mail fields are checked first: a server or sender that cannot be used is refused, and nothing is stored.
+    onClick(page.cmdAcceptCommSetup, window, [&server] {
+        if (server.mailSetup().accept())
+            server.commSetup().cmdAcceptCommSetup_Click();
+    });
+    onClick(page.cmdCancelCommSetup, window, [&server] {
+        server.mailSetup().cancel();
+        server.commSetup().cmdCancelCommSetup_Click();
+    });
 }
 
 void wireFax(MainWindow &window, EmailFaxServer &server)
@@ -105,7 +126,16 @@ void wireRecipients(MainWindow &window, EmailFaxServer &server)
     Recipients &recipients = server.recipients();
     onClick(page.cmdNew, window, [&recipients] { recipients.cmdNew_Click(); });
     onClick(page.cmdEdit, window, [&recipients] { recipients.cmdEdit_Click(); });
-    onClick(page.cmdDelete, window, [&recipients] { recipients.cmdDelete_Click(); });
+    onClick(page.cmdDelete, window, [&window, &server, &recipients] {
+        const int row = recipients.gintSelMainContact;
+        if (row < 1 || row > server.lists().lvwMainContacts.count())
+            return;
+        const QString name =
+            server.lists().lvwMainContacts.text(row, 2) + u' ' + server.lists().lvwMainContacts.text(row, 1);
+        window.confirm(QStringLiteral("Delete Contact"),
+                       QStringLiteral("Delete %1 from the contacts, and from the e-mail and fax lists?").arg(name),
+                       [&recipients] { recipients.cmdDelete_Click(); });
+    });
     onClick(page.cmdAddEmailAdr, window, [&recipients] { recipients.cmdAddEmailAdr_Click(); });
     onClick(page.cmdRemEmailAdr, window, [&recipients] { recipients.cmdRemEmailAdr_Click(); });
     onClick(page.cmdAddFaxAdr, window, [&recipients] { recipients.cmdAddFaxAdr_Click(); });

@@ -42,13 +42,17 @@ QIcon imageListIcon(int image)
     const int slot = image >= 1 && image <= 3 ? image : 1;
     if (!cache[slot].isNull())
         return cache[slot];
-    image = slot;
-    const QColor ring = image == 2 ? QColor(40, 140, 60) : image == 3 ? QColor(200, 40, 40) : QColor(40, 90, 160);
     QIcon icon;
     for (int size : {16, 22, 32, 48, 64})
-        icon.addPixmap(draw(size, ring, ring, image));
+        icon.addPixmap(imageListPixmap(slot, size));
     cache[slot] = icon;
     return icon;
+}
+
+QPixmap imageListPixmap(int image, int size)
+{
+    const QColor ring = image == 2 ? QColor(40, 140, 60) : image == 3 ? QColor(200, 40, 40) : QColor(40, 90, 160);
+    return draw(size, ring, ring, image);
 }
 
 } // namespace osprel

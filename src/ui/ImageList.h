@@ -6,5 +6,7 @@
 namespace osprel {
 
 QIcon imageListIcon(int image);
+// One picture of the list at any size (the installed application icons are painted from it).
+QPixmap imageListPixmap(int image, int size);
 
 } // namespace osprel

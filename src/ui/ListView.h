@@ -1,8 +1,10 @@
 #pragma once
 // A report-style list view over one ListStore: column widths come from the store in twips, a width of 0 hides the
-// column. Busy lists (the queues and the histories) take their rows through a CoalescedModel.
+// column, and a column widens to show what it holds. Busy lists (the queues and the histories) take their rows
+// through a CoalescedModel.
 
 #include <QTableView>
+#include <QTimer>
 
 namespace osprel {
 
@@ -19,8 +21,16 @@ public:
     // Twips to logical pixels (15 twips a pixel at 100%; Qt scales logical pixels for the screen).
     static int twipsToPixels(int twips) { return twips / 15; }
 
+    // Widens each column to its content (bounded), never below its design width.
+    void fitToContents();
+
+protected:
+    void showEvent(QShowEvent *event) override;
+
 private:
+    static constexpr int kMaxFittedWidth = 420;
     void applyWidths();
+    QTimer m_fitTimer;
 };
 
 } // namespace osprel

@@ -4,6 +4,7 @@
 #include "ImageList.h"
 #include "ListView.h"
 #include "Log.h"
+#include "PageScroll.h"
 #include "TrayIcon.h"
 #include "pages/AdvModemPanel.h"
 #include "pages/AlarmSetupPage.h"
@@ -23,6 +24,8 @@
 #include <QListView>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
+#include <QShortcut>
 #include <QSplitter>
 #include <QTabBar>
 #include <QUrl>
@@ -56,16 +59,24 @@ MainWindow::MainWindow(FormLists &lists, Log &log, QWidget *parent) : QWidget(pa
     topLayout->addWidget(m_SSTab1);
     topLayout->addWidget(m_pageArea, 1);
     split->addWidget(top);
-    split->addWidget(m_queues);
+    // The queues scroll too, so that on a small screen the page above keeps most of the height.
+    auto *queues = new PageScroll(m_queues, split);
+    split->addWidget(queues);
     split->setStretchFactor(0, 3);
     split->setStretchFactor(1, 2);
+    split->setCollapsible(0, false);
 
     m_statusLine = new StatusLine(log, this);
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(split, 1);
     layout->addWidget(m_statusLine);
 
-    connect(m_SSTab1, &QTabBar::currentChanged, this, [this](int index) { TabSet(m_SSTab1->tabText(index)); });
+    // Another page, or Escape, leaves an open panel: a panel never stays over the wrong page with no way out.
+    connect(m_SSTab1, &QTabBar::currentChanged, this, [this](int index) {
+        leaveOverlays();
+        TabSet(m_SSTab1->tabText(index));
+    });
+    connect(new QShortcut(QKeySequence(Qt::Key_Escape), this), &QShortcut::activated, this, &MainWindow::leaveOverlays);
     connect(m_history[0]->cmdStatus, &QPushButton::clicked, this,
             [this] { openOverlay(m_picStatus, m_history[0]->cmdStatus->text()); });
     connect(m_picStatus->cmdStatusClose, &QPushButton::clicked, this, [this] { closeOverlay(m_picStatus); });
@@ -104,7 +115,7 @@ void MainWindow::buildPages(FormLists &lists, Log &log)
     m_Frame1[4] = m_alarmSetup = new AlarmSetupPage(m_pageArea);
     m_Frame1[5] = m_priority = new PriorityPage(m_pageArea);
     for (QFrame *frame : m_Frame1)
-        pages->addWidget(frame, 0, 0);
+        pages->addWidget(new PageScroll(frame, m_pageArea), 0, 0);
 
     m_picStatus = new StatusPanel(log, m_pageArea);
     m_picContacts = new ContactEditor(m_pageArea);
@@ -112,9 +123,9 @@ void MainWindow::buildPages(FormLists &lists, Log &log)
     m_picControls = overlay("picControls");
     for (QWidget *panel : {static_cast<QWidget *>(m_picStatus), static_cast<QWidget *>(m_picContacts),
                            static_cast<QWidget *>(m_picAdvModemSetup), static_cast<QWidget *>(m_picControls)}) {
-        pages->addWidget(panel, 0, 0);
         panel->setContentsMargins(kOverlayOffset, kOverlayOffset, 0, 0);
         panel->hide();
+        pages->addWidget(new PageScroll(panel, m_pageArea), 0, 0);
     }
 }
 
@@ -138,8 +149,23 @@ QFrame *MainWindow::overlay(const char *name)
 void MainWindow::openOverlay(QWidget *panel, const QString &caption)
 {
     panel->show();
-    panel->raise();
+    if (PageScroll *scroll = PageScroll::of(panel))
+        scroll->raise();
     TabSet(caption);
+}
+
+void MainWindow::leaveOverlays()
+{
+    // Each panel is left by its own Cancel or Close, so that what it was editing is put back as stored.
+    const std::pair<QWidget *, QPushButton *> exits[] = {
+        {m_picContacts, m_picContacts->ui.cmdContactsCancel},
+        {m_picAdvModemSetup, m_picAdvModemSetup->ui.cmdCancelModemSetup},
+        {m_picStatus, m_picStatus->cmdStatusClose},
+    };
+    for (const auto &[panel, exit] : exits) {
+        if (panel->isVisibleTo(this))
+            exit->click();
+    }
 }
 
 void MainWindow::closeOverlay(QWidget *panel)
@@ -150,8 +176,17 @@ void MainWindow::closeOverlay(QWidget *panel)
 
 void MainWindow::setPlacement(int heightTwips, int widthTwips)
 {
-    setMinimumSize(ListView::twipsToPixels(widthTwips), ListView::twipsToPixels(heightTwips));
-    resize(qMax(width(), 1000), qMax(height(), 700));
+    // The design size, where the screen has room for it: a large scale on a small screen gets a window that fits,
+    // and the pages scroll.
+    QSize minimum(ListView::twipsToPixels(widthTwips), ListView::twipsToPixels(heightTwips));
+    QSize preferred(qMax(width(), 1000), qMax(height(), 700));
+    if (const QScreen *display = screen()) {
+        const QSize room = display->availableGeometry().size() * 0.9;
+        minimum = minimum.boundedTo(room / 1.5);
+        preferred = preferred.boundedTo(room);
+    }
+    setMinimumSize(minimum);
+    resize(preferred);
 }
 
 void MainWindow::setServiceControlsVisible(bool visible)
@@ -232,6 +267,15 @@ void MainWindow::setWindowImage(int image)
     setWindowIcon(imageListIcon(image));
 }
 
+void MainWindow::hideWindow()
+{
+    // Without a notification area a hidden window could not be brought back: it is minimised instead.
+    if (m_trayIcon->icon())
+        hide();
+    else
+        showMinimized();
+}
+
 void MainWindow::restoreWindow()
 {
     setWindowState(windowState() & ~(Qt::WindowMinimized | Qt::WindowMaximized));
@@ -266,6 +310,19 @@ void MainWindow::showMessage(const QString &title, const QString &text)
     auto *box = new QMessageBox(QMessageBox::Warning, title, text, QMessageBox::Ok, this);
     box->setObjectName(QStringLiteral("messageBox"));
     box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
+}
+
+void MainWindow::confirm(const QString &title, const QString &question, const std::function<void()> &action)
+{
+    auto *box = new QMessageBox(QMessageBox::Question, title, question, QMessageBox::Yes | QMessageBox::No, this);
+    box->setObjectName(QStringLiteral("confirmBox"));
+    box->setDefaultButton(QMessageBox::No);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    connect(box, &QMessageBox::finished, this, [action](int result) {
+        if (result == QMessageBox::Yes)
+            action();
+    });
     box->open();
 }
 

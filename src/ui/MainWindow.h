@@ -8,6 +8,7 @@
 #include "Ports.h"
 
 #include <QWidget>
+#include <functional>
 
 class QCloseEvent;
 class QFrame;
@@ -52,15 +53,20 @@ public:
     void setCaption(const QString &caption) override { setWindowTitle(caption); }
     void SysTrayUpdate() override;
     void showWindow() override { show(); }
-    void hideWindow() override { hide(); }
+    void hideWindow() override;
     void restoreWindow() override;
     void trayAdd(const QString &tip) override;
     void trayRemove() override;
     void showMessage(const QString &title, const QString &text) override;
     void showPanelMessage(const QString &text) override;
+    // Asks before an action that cannot be undone; runs it when the answer is Yes. The box does not stop the event
+    // loop: timers, the bus and the sockets go on while it is up.
+    void confirm(const QString &title, const QString &question, const std::function<void()> &action);
     // OverlayHost
     void openOverlay(QWidget *panel, const QString &caption) override;
     void closeOverlay(QWidget *panel) override;
+    // Closes every open overlay panel by its Cancel or Close button.
+    void leaveOverlays();
 
     // The pages, for the wiring of their controls to the server's procedures.
     HistoryPage *historyPage(int index) const { return m_history[index]; }

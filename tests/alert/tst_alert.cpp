@@ -21,6 +21,22 @@ class FakeForm : public ServerForm
 public:
     FakeForm() : link(formLists, timers) { formLists.InitColHeaders(); }
     bool Open_Link(clsAlertCls *obj) override { return link.Open_Link(obj); }
+    bool isLinkedObject(const clsAlertCls *obj) const override
+    {
+        return obj && obj == link.server() && !g.gstrLinkedForm.isEmpty();
+    }
+    bool takeAlert(const QString &text) override
+    {
+        const int before = formLists.lvwMsgQue.count();
+        link.m_objAlertServer_AlertReady(text);
+        return formLists.lvwMsgQue.count() > before;
+    }
+    void whenStored(std::function<void(bool)> callback) override { callback(true); }
+    bool queuesBusy() const override
+    {
+        return !formLists.lvwMsgQue.isEmpty() || !formLists.lvwSendEmailQue.isEmpty() ||
+               !formLists.lvwSendFaxQue.isEmpty();
+    }
     FormLists &lists() override { return formLists; }
     void setCategoryCaption(int index, const QString &caption) override { captions[index] = caption; }
 
@@ -61,6 +77,17 @@ private Q_SLOTS:
         QVERIFY(!second.ServerCmd(QStringLiteral("Other"), 3, QString()));
         QCOMPARE(g.gstrLinkedForm, QStringLiteral("Vantor32"));
 
+        // Work waiting in a queue counts as being sent.
+        m_form->formLists.lvwSendEmailQue.add(QStringLiteral("waiting"));
+        QVERIFY(!first.ServerCmd(QStringLiteral("Vantor32"), 2, QString()));
+        m_form->formLists.lvwSendEmailQue.clear();
+        // Only the linked object steers: the same form name from another object changes nothing.
+        for (qint16 command = 2; command <= 7; ++command)
+            QVERIFY(!second.ServerCmd(QStringLiteral("Vantor32"), command, QStringLiteral("x")));
+        QVERIFY(g.gstrHeaderWord.isEmpty());
+        QVERIFY(!g.gblnRawAlerts);
+        QCOMPARE(g.gstrLinkedForm, QStringLiteral("Vantor32"));
+
         g.gintFaxSendState = 1; // a fax on its way: only the unlink-now command goes through
         QVERIFY(!first.ServerCmd(QStringLiteral("Vantor32"), 2, QString()));
         QVERIFY(!first.ServerCmd(QStringLiteral("vantor32"), 3, QString())); // exact name
@@ -79,6 +106,7 @@ private Q_SLOTS:
     {
         clsAlertCls object;
         FormLists &lists = m_form->formLists;
+        QVERIFY(object.ServerCmd(QStringLiteral("V"), 1, QString()));
         QVERIFY(object.ServerCmd(QStringLiteral("V"), 4, QStringLiteral("   ")));
         QCOMPARE(lists.lvwHist[0].header(4), QStringLiteral("Address"));
         QVERIFY(object.ServerCmd(QStringLiteral("V"), 4, QStringLiteral(" Oven ")));
@@ -116,7 +144,7 @@ private Q_SLOTS:
         QVERIFY(!linked.SendAlert(QString()));
         QCOMPARE(ready.count(), 0);
         QVERIFY(linked.SendAlert(QStringLiteral("  1|a|b|c|d| 5 |t  ")));
-        QVERIFY(other.SendAlert(QStringLiteral("9|a|b|c|d|6|t"))); // accepted, but nobody listens
+        QVERIFY(!other.SendAlert(QStringLiteral("9|a|b|c|d|6|t"))); // not linked: refused, not dropped
         ListStore &queue = m_form->formLists.lvwMsgQue;
         QCOMPARE(queue.count(), 1);
         QCOMPARE(queue.row(1), QStringList({"", "1|a|b|c|d| 5 |t", "", "5"}));
@@ -130,6 +158,15 @@ private Q_SLOTS:
         QVERIFY(linked.ServerCmd(QStringLiteral("V"), 6, QString()));
         QVERIFY(linked.SendAlert(QStringLiteral("2|a|b|c|d|7|t")));
         QCOMPARE(queue.text(3, 4), QString());
+
+        // An alert past the limit is refused whole, with one line naming its size.
+        qputenv("OSPREL_MAX_ALERT_BYTES", "100");
+        QVERIFY(!linked.SendAlert(QString(101, u'x')));
+        QVERIFY(linked.SendAlert(QString(33, QChar(0x00FC)))); // 66 bytes
+        qunsetenv("OSPREL_MAX_ALERT_BYTES");
+        QCOMPARE(queue.count(), 4);
+        QVERIFY(m_log->lstStatus()->stringList().contains(
+            QStringLiteral("Alert of 101 bytes refused: the limit is 100 bytes.")));
     }
 
     void replyCarriesTheFirstThreeDigitsOfTheAlertNumber()

@@ -3,6 +3,7 @@
 
 #include "AlertLink.h"
 #include "Database.h"
+#include "Fallback.h"
 #include "FaxLine.h"
 #include "FormLists.h"
 #include "FormTimers.h"
@@ -162,6 +163,57 @@ private Q_SLOTS:
         QCOMPARE(historyRows("FaxHistory").size(), 2); // the sent one and the given-up one
     }
 
+    // A message that fails for good on one channel goes once on the other, marked as a fallback; the fallback
+    // failing in its turn goes nowhere; a fax failing for two numbers makes one e-mail.
+    void finalFailuresFallBackToTheOtherChannelOnce()
+    {
+        m_f->lists.lvwEmailContacts.add(QStringList{"Doe", "Jo", "jo@lab"});
+        g.gstrEmailRecipients = QStringLiteral("jo@lab; ");
+        m_f->lists.lvwFaxContacts.add(QStringList{"Roe", "Al", "5551234567"});
+        Fallback fallback(m_f->lists, m_f->timers, *m_window);
+        m_status->setFinalFailureHandler([&](int via, const QStringList &row) {
+            via == 1 ? fallback.emailFailedForGood(row) : fallback.faxFailedForGood(row);
+        });
+
+        m_f->lists.lvwSendEmailQue.add(job(QStringLiteral("7")));
+        for (int attempt = 1; attempt <= 3; ++attempt) {
+            startAttempt(0, QStringLiteral("jo@lab; "));
+            g.gintEmailSendState = 4;
+            m_status->SendStatUpdate();
+        }
+        QCOMPARE(m_f->lists.lvwSendFaxQue.count(), 1);
+        const QStringList fax = m_f->lists.lvwSendFaxQue.row(1);
+        QCOMPARE(fax.at(5), QStringLiteral("Fallback: CHAMBER_ALARM"));
+        QCOMPARE(fax.at(6), QStringLiteral("7|Chamber 4|high|Fallback: CHAMBER_ALARM|t"));
+        QCOMPARE(fax.at(3), QStringLiteral("5551234567"));
+        QCOMPARE(fax.at(9), QStringLiteral("7"));
+        QVERIFY(m_f->timers.TimerFaxMsgQue.isActive());
+
+        // The fallback fax fails too: nothing goes back to e-mail.
+        for (int attempt = 1; attempt <= 3; ++attempt) {
+            startAttempt(1, QStringLiteral("5551234567"));
+            g.gintFaxSendState = 4;
+            m_status->SendStatUpdate();
+        }
+        QVERIFY(m_f->lists.lvwSendFaxQue.isEmpty());
+        QVERIFY(m_f->lists.lvwSendEmailQue.isEmpty());
+
+        // One alert's fax to two numbers fails for both: one e-mail.
+        m_f->lists.lvwSendFaxQue.add(job(QStringLiteral("8"), 2));
+        QStringList second = job(QStringLiteral("8"), 2);
+        second[3] = QStringLiteral("5559999999");
+        m_f->lists.lvwSendFaxQue.add(second);
+        for (int number = 0; number < 2; ++number) {
+            startAttempt(1, m_f->lists.lvwSendFaxQue.text(1, 4));
+            g.gintFaxSendState = 4;
+            m_status->SendStatUpdate();
+        }
+        QCOMPARE(m_f->lists.lvwSendEmailQue.count(), 1);
+        QCOMPARE(m_f->lists.lvwSendEmailQue.text(1, 6), QStringLiteral("Fallback: CHAMBER_ALARM"));
+        QVERIFY(m_f->log->lstStatus()->stringList().contains(
+            QStringLiteral("Fallback: fax to 5551234567 failed for good; sending it by e-mail.")));
+    }
+
     // The limits are time under way: a thousand refreshes in one second (a fast time scale, SMTP events) end no
     // call; 400 s do, and 10 s do when the device is not in a call.
     void faxTimeLimits()
@@ -216,10 +268,10 @@ private:
     void startAttempt(int histIndex, const QString &address)
     {
         const ListStore &queue = histIndex == 0 ? m_f->lists.lvwSendEmailQue : m_f->lists.lvwSendFaxQue;
-        m_f->lists.lvwHist[histIndex].insert(1, QStringList{QStringLiteral("now"), QStringLiteral("Sending"),
-                                                            QStringLiteral("Chamber 4"), address,
-                                                            QStringLiteral("high"), QStringLiteral("CHAMBER_ALARM"),
-                                                            QStringLiteral("t"), queue.text(1, queue.columnCount())});
+        m_f->lists.lvwHist[histIndex].insert(
+            1, QStringList{QStringLiteral("now"), QStringLiteral("Sending"), QStringLiteral("Chamber 4"), address,
+                           QStringLiteral("high"), QStringLiteral("CHAMBER_ALARM"), QStringLiteral("t"),
+                           queue.text(1, histIndex == 0 ? 8 : 10)});
     }
     static QStringList column(const ListStore &list, int column)
     {

@@ -96,8 +96,8 @@ private Q_SLOTS:
         QCOMPARE(m_f->lists.lvwSendFaxQue.count(), faxJobs);
         if (emailJobs) {
             const QStringList job = m_f->lists.lvwSendEmailQue.row(1);
-            QCOMPARE(job.mid(2), QStringList({"Chamber 4", "jo@lab; ", "0", "PROGRAM_ALARM",
-                                              "42|Chamber 4|CH1 high|PROGRAM_ALARM|9:55 pm", "42"}));
+            QCOMPARE(job.mid(2, 6), QStringList({"Chamber 4", "jo@lab; ", "0", "PROGRAM_ALARM",
+                                                 "42|Chamber 4|CH1 high|PROGRAM_ALARM|9:55 pm", "42"}));
             QVERIFY(job.at(1).startsWith(QLatin1String("Chamber Notification\r\n")));
         }
         if (faxJobs)

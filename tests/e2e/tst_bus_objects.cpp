@@ -76,7 +76,7 @@ private Q_SLOTS:
         object->SendAlertStatus(123, 1, true);
         object->SendServerStatus(true, 3, 4);
         object->SendServerClosing();
-        QVERIFY(object->SendAlert(QStringLiteral("1|a|b|c|d|5|t")));
+        Q_EMIT object->AlertReady(QStringLiteral("1|a|b|c|d|5|t"));
         QTRY_COMPARE(ownerEvents->events.size(), 4);
         const QStringList signatures = {QStringLiteral("inb"), QStringLiteral("bnn"), QString(), QStringLiteral("s")};
         for (int i = 0; i < 4; ++i)

@@ -9,8 +9,10 @@ public:
     QString from = QStringLiteral("osprel@chamber.test");
     QString server;
     bool smtp = true;
+    osprel::MailSettings settings;
 
     QString txtFrom() const override { return from; }
     QString txtMailServer() const override { return server; }
     bool optSMTP() const override { return smtp; }
+    osprel::MailSettings mailSettings() const override { return settings; }
 };

@@ -52,6 +52,8 @@ public:
     // EmailQueuePort and StatusPort
     QString txtFrom() const override { return settings.txtFrom; }
     QString txtMailServer() const override { return settings.txtMailServer; }
+    osprel::MailSettings mailSettings() const override { return mail; }
+    void setMailSettings(const osprel::MailSettings &settings) override { mail = settings; }
     bool optSMTP() const override { return smtp; }
     QString txtTestEMailTo() const override { return testTo; }
     QString txtTestEMailSubject() const override { return testSubject; }
@@ -104,6 +106,7 @@ public:
 
     bool email = true, fax = true, smtp = true, emailListEnabled = true, visible = false;
     osprel::CommSettings settings;
+    osprel::MailSettings mail;
     QStringList counters = QStringList(8, QStringLiteral("0"));
     int levels[8] = {-1, -1, -1, -1, -1, -1, -1, -1};
     int definitionsShown = 0;

@@ -54,6 +54,9 @@ bool InProcessServer::start(const std::function<void(osprel::Database &)> &prepa
         return false;
     connect(m_busServer.get(), &osprel::BusServer::objectCreated, this,
             [this](osprel::clsAlertCls *object) { m_object = object; });
+    connect(m_busServer.get(), &osprel::BusServer::ownerLeft, &m_server->link(), &osprel::AlertLink::linkedClientLeft);
+    connect(m_busServer.get(), &osprel::BusServer::objectReleased, &m_server->link(),
+            &osprel::AlertLink::linkedObjectReleased);
 
     QDBusConnection chamber = m_bus->connect(QStringLiteral("chamber"));
     m_chamber = chamber.name();

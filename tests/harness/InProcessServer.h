@@ -28,6 +28,8 @@ public:
     osprel::MainWindow &window() { return *m_window; }
     osprel::clsAlertCls *object() const { return m_object; }
     QString home() const { return m_home.path(); }
+    // The private bus's address, for chamber programs in other processes.
+    QString busAddress() const { return m_bus ? m_bus->address() : QString(); }
 
     // Calls of the chamber program's object, awaited with the event loop running (the server answers on this
     // thread); false when the call fails or returns false.

@@ -53,6 +53,11 @@ LocalSmtpServer::~LocalSmtpServer()
 
 bool LocalSmtpServer::start(QString *error)
 {
+    return start(Options(), error);
+}
+
+bool LocalSmtpServer::start(const Options &options, QString *error)
+{
     if (!m_dir.isValid()) {
         *error = QStringLiteral("cannot make a temporary folder: ") + m_dir.errorString();
         return false;
@@ -61,9 +66,31 @@ bool LocalSmtpServer::start(QString *error)
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("PYTHONDONTWRITEBYTECODE"), QStringLiteral("1"));
     m_process.setProcessEnvironment(environment);
-    m_process.start(kPython, {QStringLiteral(OSPREL_HARNESS_DIR "/smtp_server.py"), QStringLiteral("--listen"),
-                              address(), QStringLiteral("--maildir"), m_dir.filePath(QStringLiteral("maildir")),
-                              QStringLiteral("--receipts"), m_dir.filePath(QStringLiteral("receipts"))});
+    QStringList arguments = {QStringLiteral(OSPREL_HARNESS_DIR "/smtp_server.py"),
+                             QStringLiteral("--listen"),
+                             address(),
+                             QStringLiteral("--maildir"),
+                             m_dir.filePath(QStringLiteral("maildir")),
+                             QStringLiteral("--receipts"),
+                             m_dir.filePath(QStringLiteral("receipts")),
+                             QStringLiteral("--raw"),
+                             rawDir()};
+    const auto option = [&arguments](const char *name, const QString &value) {
+        if (!value.isEmpty())
+            arguments << QString::fromLatin1(name) << value;
+    };
+    option("--tls", options.tls);
+    option("--cert", options.certFile);
+    option("--key", options.keyFile);
+    for (const QString &user : options.users)
+        option("--user", user);
+    option("--xoauth2-tokens", options.xoauth2Tokens);
+    if (options.greylist > 0)
+        option("--greylist", QString::number(options.greylist));
+    option("--refuse-rcpt", options.refuseRcpt);
+    option("--quit-reply", options.quitReply);
+    option("--hostile", options.hostile);
+    m_process.start(kPython, arguments);
     const QDeadlineTimer deadline(kStartTimeoutMs);
     while (!deadline.hasExpired()) {
         if (m_process.state() == QProcess::NotRunning)
@@ -89,6 +116,30 @@ QStringList LocalSmtpServer::messages() const
             messages << QString::fromUtf8(file.readAll()).replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     }
     return messages;
+}
+
+namespace {
+QList<QByteArray> rawFiles(const QString &dir, const QString &suffix)
+{
+    QList<QByteArray> contents;
+    const QDir raw(dir);
+    for (const QString &name : raw.entryList({QStringLiteral("*") + suffix}, QDir::Files, QDir::Name)) {
+        QFile file(raw.filePath(name));
+        if (file.open(QIODevice::ReadOnly))
+            contents << file.readAll();
+    }
+    return contents;
+}
+} // namespace
+
+QList<QByteArray> LocalSmtpServer::rawMessages() const
+{
+    return rawFiles(rawDir(), QStringLiteral(".eml"));
+}
+
+QList<QByteArray> LocalSmtpServer::rawEnvelopes() const
+{
+    return rawFiles(rawDir(), QStringLiteral(".json"));
 }
 
 QString LocalSmtpServer::anyStoredMessage() const

@@ -20,6 +20,19 @@ struct Receipt
 class LocalSmtpServer
 {
 public:
+    // How the server behaves; the defaults are a plain relay that takes everything.
+    struct Options
+    {
+        QString tls; // "", "starttls", "starttls-required" or "implicit" (with certFile and keyFile)
+        QString certFile, keyFile;
+        QStringList users;     // "name:password", for AUTH PLAIN and LOGIN (then AUTH is required)
+        QString xoauth2Tokens; // a file of accepted XOAUTH2 tokens, one a line (then AUTH is required)
+        int greylist = 0;      // the first this many messages get 451
+        QString refuseRcpt;    // recipients holding this text get 550
+        QString quitReply;     // the answer to QUIT instead of 221
+        QString hostile;       // "silent" or "endless": no SMTP at all
+    };
+
     LocalSmtpServer();
     ~LocalSmtpServer();
     LocalSmtpServer(const LocalSmtpServer &) = delete;
@@ -28,12 +41,19 @@ public:
     // Starts the server on a free port and waits until it accepts connections; false (with the server's own
     // output in *error) when it cannot, as when python3-aiosmtpd is missing.
     bool start(QString *error);
+    bool start(const Options &options, QString *error);
     quint16 port() const { return m_port; }
     QString address() const { return QStringLiteral("127.0.0.1:") + QString::number(m_port); }
     qint64 pid() const { return m_process.processId(); }
 
     // The messages stored so far, oldest first, with LF line ends.
     QStringList messages() const;
+    // Every message that reached the end of its data, accepted or not, as the bytes received (oldest first), and
+    // the envelope of each as JSON (mail_from, rcpt_tos, host_name, authenticated, tls).
+    QList<QByteArray> rawMessages() const;
+    QList<QByteArray> rawEnvelopes() const;
+    QString rawDir() const { return m_dir.filePath(QStringLiteral("raw")); }
+
     // The file of one stored message, or an empty string when there is none yet.
     QString anyStoredMessage() const;
     // Every message received so far, in the order received; reads only what the log gained since the last call.

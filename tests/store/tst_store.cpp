@@ -94,10 +94,12 @@ private Q_SLOTS:
         QCOMPARE(scalar("SELECT count(*) FROM EmailHistory"), 50);
         QCOMPARE(scalar("SELECT Time FROM EmailHistory ORDER BY rowid LIMIT 1"), QVariant("t52"));
         QCOMPARE(scalar("SELECT count(*) FROM FaxHistory"), 100);
-        // Both histories fill the first list, the e-mail rows first.
-        QCOMPARE(m_lists->lvwHist[0].count(), 150);
-        QCOMPARE(m_lists->lvwHist[0].text(1), QStringLiteral("t52"));
-        QCOMPARE(m_lists->lvwHist[0].text(51), QStringLiteral("f1"));
+        // Each history fills its own list, newest first.
+        QCOMPARE(m_lists->lvwHist[0].count(), 50);
+        QCOMPARE(m_lists->lvwHist[0].text(1), QStringLiteral("t101"));
+        QCOMPARE(m_lists->lvwHist[0].text(50), QStringLiteral("t52"));
+        QCOMPARE(m_lists->lvwHist[1].count(), 100);
+        QCOMPARE(m_lists->lvwHist[1].text(1), QStringLiteral("f100"));
         QCOMPARE(m_lists->lvwHist[0].text(1, 3), QString()); // a null column is an empty sub-item
 
         QCOMPARE(m_port.settings.txtMailServer, QStringLiteral("mail:2525"));
@@ -114,20 +116,42 @@ private Q_SLOTS:
         QCOMPARE(m_port.counters.mid(0, 3), QStringList({"1", "2", "0"}));
         QCOMPARE(scalar("SELECT count(*) FROM AlarmMsgs WHERE OverWrite = FALSE"), 3);
 
-        // Full: every pending alarm goes, the new one takes the first slot; old counters stay.
+        // Full: each level's held alarms go out as an early report, the new one takes the first slot.
         m_timers.TimerMsgQue.start();
         m_queue->DBAddAlmMsg(QStringLiteral("4"), QStringLiteral("d"), 5007, 2, QStringLiteral("h4"));
         QCOMPARE(scalar("SELECT count(*) FROM AlarmMsgs WHERE OverWrite = FALSE"), 1);
         QCOMPARE(scalar("SELECT ErrID || Catagory || Priority FROM AlarmMsgs WHERE OverWrite = FALSE"),
                  QVariant("450072"));
         QCOMPARE(scalar("SELECT rowid FROM AlarmMsgs WHERE OverWrite = FALSE"), 1);
-        QCOMPARE(m_port.counters, QStringList({"1", "2", "0", "0", "0", "0", "0", "1"}));
+        QCOMPARE(m_port.counters, QStringList({"0", "0", "0", "0", "0", "0", "0", "1"}));
         QVERIFY(m_timers.TimerMsgQue.isActive());
+        QVERIFY(m_log->lstStatus()->stringList().contains(
+            QStringLiteral("The alarm pool is full: its 3 held alarms are sent now as early reports.")));
 
         // At start-up the counters come from the pending rows only.
         m_port.counters = QStringList(8, QStringLiteral("9"));
         m_queue->InitLables();
         QCOMPARE(m_port.counters, QStringList({"0", "0", "0", "0", "0", "0", "0", "1"}));
+    }
+
+    // The whole pool of one level: one early report with every block, newest first, and the new alarm held.
+    void aFullPoolIsReportedNotDiscarded()
+    {
+        m_lists->lvwEmailContacts.add(QStringList{"Doe", "Jo", "jo@lab"});
+        g.gstrEmailRecipients = QStringLiteral("jo@lab; ");
+        m_db->beginBatch();
+        for (int i = 1; i <= 1001; ++i)
+            m_queue->DBAddAlmMsg(QString::number(i), QStringLiteral("alarm %1").arg(i), 5007, 2, QStringLiteral("h"));
+        QCOMPARE(m_lists->lvwSendEmailQue.count(), 1);
+        const QString report = m_lists->lvwSendEmailQue.text(1, 2);
+        QVERIFY(report.startsWith(
+            QStringLiteral("# Vantor 32 Early Report (alarm pool full) #\r\n# Low Priority Setting #\r\n\r\nalarm 1000")));
+        QCOMPARE(report.count(kSeparator), 1000);
+        QVERIFY(report.endsWith(QStringLiteral("alarm 1") + kSeparator));
+        QCOMPARE(m_lists->lvwSendEmailQue.text(1, 3), QStringLiteral("Early Report (alarm pool full)"));
+        QCOMPARE(scalar("SELECT group_concat(ErrID) FROM AlarmMsgs WHERE OverWrite = FALSE"), QVariant("1001"));
+        QCOMPARE(scalar("SELECT rowid FROM AlarmMsgs WHERE OverWrite = FALSE"), 1);
+        QCOMPARE(m_port.counters.at(7), QStringLiteral("1"));
     }
 
     void aReportGathersALevelNewestFirst()
@@ -146,7 +170,7 @@ private Q_SLOTS:
         const QString report = QStringLiteral("# Vantor 32 Hourly Report #\r\n# High Priority Setting #\r\n\r\n") +
                                QStringLiteral("comm error") + kSeparator + QStringLiteral("chamber alarm") + kSeparator;
         QCOMPARE(m_lists->lvwSendEmailQue.count(), 1);
-        QCOMPARE(m_lists->lvwSendEmailQue.row(1).mid(1),
+        QCOMPARE(m_lists->lvwSendEmailQue.row(1).mid(1, 7),
                  QStringList({report, "Hourly Report", "jo@lab; ", "0", "*", "*|Hourly Report|*|*|*|*", "*"}));
         QCOMPARE(m_lists->lvwSendFaxQue.count(), 3);
         QCOMPARE(m_lists->lvwSendFaxQue.row(3).mid(1), QStringList({report, "Hourly Report", "555000Cy", "0", "*",
@@ -215,6 +239,7 @@ private Q_SLOTS:
 private:
     QVariant scalar(const QByteArray &sql)
     {
+        m_db->commitBatch(); // the inspecting connection sees what is committed
         QSqlQuery query(m_inspect);
         if (!query.exec(QString::fromUtf8(sql)) || !query.next())
             return QStringLiteral("query failed: ") + query.lastError().text();

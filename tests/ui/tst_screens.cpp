@@ -50,7 +50,8 @@ private Q_SLOTS:
         QVERIFY(widget("picContacts")->isVisible());
         QCOMPARE(m_window->focusWidget(), widget("txtContactsFName"));
         const QList<std::pair<QStringList, QString>> cases = {
-            {{"Ann", "Lee", "ann@lab", "", "", ""}, "The email address must contain a '.' symbol."},
+            {{"Ann", "Lee", "ann@lab> RCPT TO:<x@y", "", "", ""},
+             "The email address cannot be used: the address holds an angle bracket."},
             {{"Ann", "Lee", "ann.lab", "", "", ""}, "The email address must contain an '@' symbol."},
             {{"Ann", "Lee", "", "12", "", ""}, "The fax number must have the numeric format ### ### ####."},
             {{"", "Lee", "", "", "", ""}, "Both first and last name fields must be completed."},
@@ -111,12 +112,68 @@ private Q_SLOTS:
         checkLists({"O'Hara|Patricia|patricia@lab.example|5551234567"}, {"O'Hara|Patricia|patricia@lab.example"},
                    {"O'Hara|Patricia|5551234567"});
 
+        // Delete asks first: No keeps the person, Yes removes them everywhere.
         tab(QStringLiteral("Recipients"));
         selectContact(1);
         click("cmdDelete");
+        QVERIFY(answer(QMessageBox::No).contains(QLatin1String("Patricia O'Hara")));
+        QCOMPARE(contactRows().size(), 1);
+        click("cmdDelete");
+        answer(QMessageBox::Yes);
         QCOMPARE(contactRows(), QStringList());
         checkLists({}, {}, {});
         QCOMPARE(g.gstrEmailRecipients, QString());
+    }
+
+    // An edit keeps the person where they were: off a list they had been taken from, on one they were on.
+    void anEditKeepsListMembership()
+    {
+        tab(QStringLiteral("Recipients"));
+        click("cmdNew");
+        fill({"Lan", "Nguyen", "lan@lab.example", "555", "123", "0001"});
+        click("cmdContactsOK");
+        selectContact(1);
+        click("cmdAddEmailAdr");
+        click("cmdAddFaxAdr");
+        auto *faxList = m_window->findChild<QTableView *>(QStringLiteral("lvwFaxContacts"));
+        QTest::mouseClick(faxList->viewport(), Qt::LeftButton, {},
+                          faxList->visualRect(faxList->model()->index(0, 0)).center());
+        click("cmdRemFaxAdr");
+        checkLists({"Nguyen|Lan|lan@lab.example|5551230001"}, {"Nguyen|Lan|lan@lab.example"}, {});
+
+        selectContact(1);
+        click("cmdEdit");
+        QTest::keyClicks(m_window->findChild<QLineEdit *>(QStringLiteral("txtContactsNotes")), QStringLiteral("Day"));
+        click("cmdContactsOK");
+        QCOMPARE(label("lblContactErr"), QString());
+        checkLists({"Nguyen|Lan|lan@lab.example|5551230001"}, {"Nguyen|Lan|lan@lab.example"}, {});
+        QCOMPARE(contactRows(), QStringList{QStringLiteral("Nguyen|Lan|lan@lab.example|5551230001|1|0")});
+        stop();
+        start();
+        checkLists({"Nguyen|Lan|lan@lab.example|5551230001"}, {"Nguyen|Lan|lan@lab.example"}, {});
+    }
+
+    // Clearing a history asks first, and only when there is something to clear; after a restart the history is
+    // newest first, as it was while running.
+    void clearHistoryAsksAndHistoryKeepsItsOrder()
+    {
+        for (const char *time : {"11/21/2026  08:00:00", "11/21/2026  09:00:00"})
+            m_server->database().run(QStringLiteral("INSERT INTO EmailHistory (Time, Status) VALUES (?, 'Sent')"),
+                                     {QString::fromLatin1(time)});
+        stop();
+        start();
+        auto *history = m_window->findChild<QTableView *>(QStringLiteral("lvwHist(0)"));
+        QTRY_COMPARE(history->model()->rowCount(), 2);
+        QCOMPARE(history->model()->index(0, 0).data().toString(), QStringLiteral("11/21/2026  09:00:00"));
+
+        click("cmdClear(0)");
+        QVERIFY(answer(QMessageBox::No).contains(QLatin1String("2 rows")));
+        QCOMPARE(scalar("SELECT count(*) FROM EmailHistory"), QVariant(2));
+        click("cmdClear(0)");
+        answer(QMessageBox::Yes);
+        QCOMPARE(scalar("SELECT count(*) FROM EmailHistory"), QVariant(0));
+        click("cmdClear(0)"); // nothing left: no question
+        QVERIFY(!m_window->findChild<QMessageBox *>(QStringLiteral("confirmBox")));
     }
 
     void alarmSetupAcceptAndCancel()
@@ -203,6 +260,25 @@ private Q_SLOTS:
         click("cmdCancelCommSetup");
         QCOMPARE(server->text(), QStringLiteral("mail.lab.example:2525"));
         QVERIFY(!m_window->findChild<QPushButton *>(QStringLiteral("cmdAcceptCommSetup"))->isEnabled());
+
+        // The mail security fields take part in the same change tracking and are stored in their own table.
+        auto *security = m_window->findChild<QComboBox *>(QStringLiteral("cboMailSecurity"));
+        security->setFocus();
+        QTest::keyClick(security, Qt::Key_Down);
+        QVERIFY(m_window->findChild<QPushButton *>(QStringLiteral("cmdAcceptCommSetup"))->isEnabled());
+        click("cmdAcceptCommSetup");
+        QCOMPARE(scalar("SELECT Security FROM MailServerSecurity"), QVariant(1));
+
+        // A server text that cannot be used is refused with a message naming the problem, and nothing is stored.
+        server->selectAll();
+        QTest::keyClicks(server, QStringLiteral("mail:"));
+        click("cmdAcceptCommSetup");
+        auto *box = m_window->findChild<QMessageBox *>(QStringLiteral("messageBox"));
+        QVERIFY(box && box->isVisible());
+        QVERIFY2(box->text().contains(QStringLiteral("the port after the \":\" is missing")), qPrintable(box->text()));
+        box->close();
+        QCOMPARE(scalar("SELECT EmailServer FROM SetupComm"), QVariant("mail.lab.example:2525"));
+        QVERIFY(m_window->findChild<QPushButton *>(QStringLiteral("cmdAcceptCommSetup"))->isEnabled());
     }
 
 private:
@@ -226,6 +302,18 @@ private:
         m_window.reset();
         m_lists.reset();
         m_log.reset();
+    }
+    // Answers the open confirmation box; returns its question.
+    QString answer(QMessageBox::StandardButton button)
+    {
+        auto *box = m_window->findChild<QMessageBox *>(QStringLiteral("confirmBox"));
+        if (!box)
+            return QStringLiteral("no confirmation box");
+        const QString question = box->text();
+        QTest::mouseClick(box->button(button), Qt::LeftButton);
+        if (!QTest::qWaitFor([this] { return !m_window->findChild<QMessageBox *>(QStringLiteral("confirmBox")); }))
+            return QStringLiteral("the confirmation box stayed");
+        return question;
     }
     QWidget *widget(const char *name) const { return m_window->findChild<QWidget *>(QLatin1String(name)); }
     QString label(const char *name) const { return m_window->findChild<QLabel *>(QLatin1String(name))->text(); }

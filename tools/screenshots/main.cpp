@@ -75,8 +75,7 @@ int main(int argc, char **argv)
     MainWindow window(lists, log);
     EmailFaxServer server(log, lists, window.ports());
     wireForm(window, server);
-    server.Form_Load();
-    window.resize(1100, 760);
+    server.Form_Load(); // sizes the window to the screen
     // A few alerts waiting in the incoming queue.
     clsAlertCls chamber;
     chamber.ServerCmd(QStringLiteral("Vantor32"), 1, QString());

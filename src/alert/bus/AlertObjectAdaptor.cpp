@@ -31,7 +31,17 @@ bool AlertObjectAdaptor::SendAlert(const QString &strAlertString)
 {
     if (!callerIsOwner() || !m_object)
         return false;
-    return m_object->SendAlert(strAlertString);
+    if (!m_object->SendAlert(strAlertString))
+        return false;
+    // Accepted means on disk: the answer waits for the commit that stores the alert, which the alerts arriving in
+    // the same turn of the event loop share.
+    if (calledFromDBus()) {
+        setDelayedReply(true);
+        m_object->whenStored([connection = connection(), call = message()](bool stored) {
+            connection.send(call.createReply(QVariant::fromValue(stored)));
+        });
+    }
+    return true;
 }
 
 bool AlertObjectAdaptor::ServerCmd(const QString &strFormName, short intCmd, const QDBusVariant &CustomStr)
@@ -39,6 +49,13 @@ bool AlertObjectAdaptor::ServerCmd(const QString &strFormName, short intCmd, con
     if (!callerIsOwner() || !m_object)
         return false;
     return m_object->ServerCmd(strFormName, intCmd, CustomStr.variant());
+}
+
+bool AlertObjectAdaptor::Heartbeat(uint seconds)
+{
+    if (!callerIsOwner() || !m_object)
+        return false;
+    return m_object->Heartbeat(seconds);
 }
 
 bool AlertObjectAdaptor::callerIsOwner()

@@ -27,6 +27,10 @@ class AlertObjectAdaptor : public QObject, protected QDBusContext
                                        "      <arg name=\"CustomStr\" type=\"v\" direction=\"in\"/>\n"
                                        "      <arg type=\"b\" direction=\"out\"/>\n"
                                        "    </method>\n"
+                                       "    <method name=\"Heartbeat\">\n"
+                                       "      <arg name=\"seconds\" type=\"u\" direction=\"in\"/>\n"
+                                       "      <arg type=\"b\" direction=\"out\"/>\n"
+                                       "    </method>\n"
                                        "    <signal name=\"AlertStatus\">\n"
                                        "      <arg name=\"lngAlertID\" type=\"i\"/>\n"
                                        "      <arg name=\"intEmailFax\" type=\"n\"/>\n"
@@ -53,6 +57,7 @@ public:
 public Q_SLOTS:
     bool SendAlert(const QString &strAlertString);
     bool ServerCmd(const QString &strFormName, short intCmd, const QDBusVariant &CustomStr);
+    bool Heartbeat(uint seconds);
 
 private:
     bool callerIsOwner();

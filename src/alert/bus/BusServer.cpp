@@ -95,6 +95,8 @@ bool BusServer::releaseObject(const QString &path, const QString &caller, QDBusE
         *text = QStringLiteral("This alert object belongs to another client.");
         return false;
     }
+    if (adaptor->object())
+        Q_EMIT objectReleased(adaptor->object());
     dropObject(path);
     return true;
 }

@@ -7,6 +7,7 @@
 #include <QHash>
 #include <QObject>
 #include <QTimer>
+#include <functional>
 
 class QDBusServiceWatcher;
 
@@ -31,6 +32,11 @@ public:
     QDBusConnection connection() const { return m_connection; }
     int objectCount() const { return int(m_objects.size()); }
 
+    // What shows the server's window when somebody on the bus asks (osprel-emailfax --settings while this server
+    // runs); it returns whether the window can be seen (false on a server without a display).
+    void setWindowShower(std::function<bool()> shower) { m_windowShower = std::move(shower); }
+    bool showWindow() { return m_windowShower && m_windowShower(); }
+
     // Factory work, called by the factory adaptor.
     QString createObject(const QString &owner);
     bool releaseObject(const QString &path, const QString &caller, QDBusError::ErrorType *error, QString *text);
@@ -39,6 +45,8 @@ Q_SIGNALS:
     void objectCreated(clsAlertCls *object);
     // A client left the bus; each of its objects is announced before it is released.
     void ownerLeft(clsAlertCls *object);
+    // A client released one of its objects.
+    void objectReleased(clsAlertCls *object);
     // The server's own bus connection is gone.
     void busLost();
 
@@ -53,6 +61,7 @@ private:
     quint64 m_serial = 0;
     QTimer m_busWatch;
     bool m_started = false;
+    std::function<bool()> m_windowShower;
 };
 
 } // namespace osprel

@@ -21,4 +21,9 @@ void FactoryAdaptor::Release(const QDBusObjectPath &object)
         sendErrorReply(error, text);
 }
 
+bool FactoryAdaptor::ShowWindow()
+{
+    return m_server.showWindow();
+}
+
 } // namespace osprel

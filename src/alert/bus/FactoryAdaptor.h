@@ -1,5 +1,6 @@
 #pragma once
-// The factory object at "/": makes one alert object per call for the calling client, and releases it.
+// The factory object at "/": makes one alert object per call for the calling client, and releases it; shows the
+// server's window on request.
 
 #include <QDBusContext>
 #include <QDBusObjectPath>
@@ -19,6 +20,9 @@ public:
 public Q_SLOTS:
     QDBusObjectPath CreateObject();
     void Release(const QDBusObjectPath &object);
+    // Brings the server's window up (the settings window asked for from the command line); false when the server
+    // has no display to show it on.
+    bool ShowWindow();
 
 private:
     BusServer &m_server;

@@ -79,6 +79,12 @@ void Log::DumpStr(QString &strMsg, qint16 intList)
     try {
         strMsg.remove(u'\r');
         strMsg.remove(u'\n');
+        // No single line may push the log past its limit or wipe its history when it is trimmed.
+        if (strMsg.size() > kMaxLineChars) {
+            const qsizetype cut = strMsg.size() - kMaxLineChars;
+            strMsg.truncate(kMaxLineChars);
+            strMsg += QStringLiteral(" ... (") + QString::number(cut) + QStringLiteral(" more characters cut)");
+        }
         if (intList == EmailList)
             addToList(m_lists[0], strMsg);
         else if (intList == FaxList)

@@ -14,6 +14,7 @@ public:
     enum List : qint16 { EmailList = 0, FaxList = 1, NoList = 2 };
     static constexpr int kMaxListEntries = 280;
     static constexpr qint64 kTrimAbove = 512000;
+    static constexpr int kMaxLineChars = 4096; // a longer message is cut to this many characters
     static constexpr qint64 kRestartWorkFileAbove = 300000;
 
     explicit Log(const QString &folder, QObject *parent = nullptr);

@@ -171,8 +171,9 @@ void AdvModemPanel::setLblCurrentClass(const QString &text)
 
 void AdvModemPanel::setModemSetupButtonsEnabled(bool enabled)
 {
+    // Cancel is always the way out of the panel; with nothing changed it only closes it.
     ui.cmdAcceptModemSetup->setEnabled(enabled);
-    ui.cmdCancelModemSetup->setEnabled(enabled);
+    ui.cmdCancelModemSetup->setEnabled(true);
 }
 
 bool AdvModemPanel::chkDetailModemLogging() const

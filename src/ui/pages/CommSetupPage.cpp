@@ -9,6 +9,7 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
+#include "MailSecurityPanel.h"
 #include "SetupButtons.h"
 
 namespace osprel {
@@ -55,6 +56,7 @@ CommSetupPage::CommSetupPage(QWidget *parent) : QFrame(parent)
     transport->addWidget(ui.optSMTP);
     transport->addWidget(ui.optMAPI);
     emailForm->addRow(transport);
+    emailForm->addRow(ui.fraMailSecurity = new MailSecurityPanel(email));
     layout->addWidget(email);
 
     auto *fax = new QGroupBox(tr("Fax"), this);
@@ -164,6 +166,16 @@ void CommSetupPage::setTestEmailFields(const QString &to, const QString &subject
     ui.txtTestEMailTo->setText(to);
     ui.txtTestEMailSubject->setText(subject);
     ui.txtTestEMailMessage->setText(message);
+}
+
+MailSettings CommSetupPage::mailSettings() const
+{
+    return ui.fraMailSecurity->settings();
+}
+
+void CommSetupPage::setMailSettings(const MailSettings &settings)
+{
+    ui.fraMailSecurity->setSettings(settings);
 }
 
 void CommSetupPage::setTxtFaxDevice(const QString &text)

@@ -16,6 +16,8 @@ class QRadioButton;
 
 namespace osprel {
 
+class MailSecurityPanel;
+
 class CommSetupPage : public QFrame, public CommSetupPort, public EmailQueuePort, public FaxPagePort, public StatusPort
 {
     Q_OBJECT
@@ -40,6 +42,8 @@ public:
     QString txtTestEMailMessage() const override;
     void setTxtTestEmailProg(const QString &text) override;
     void setTestEmailFields(const QString &to, const QString &subject, const QString &message) override;
+    MailSettings mailSettings() const override;
+    void setMailSettings(const MailSettings &settings) override;
     // FaxPagePort
     void setTxtFaxDevice(const QString &text) override;
     QString txtTestRcpFName() const override;
@@ -62,6 +66,7 @@ public:
         QRadioButton *optSMTP, *optMAPI; // the mail transport: the server's own SMTP client or the system's mail
         QPushButton *cmdAcceptCommSetup, *cmdCancelCommSetup, *cmdFindDevice, *cmdAdvSetup;
         QLabel *lblChangeWarning;
+        MailSecurityPanel *fraMailSecurity;
     } ui;
 };
 

@@ -17,6 +17,8 @@ StatusLine::StatusLine(Log &log, QWidget *parent) : QWidget(parent)
     m_lblMessagePanel = new QLabel(this);
     m_lblMessagePanel->setObjectName(QStringLiteral("lblMessagePanel"));
     m_lblMessagePanel->setWordWrap(true);
+    // A long message wraps; it never widens the window.
+    m_lblMessagePanel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     m_lblMessagePanel->setStyleSheet(QStringLiteral("color: #004080"));
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -34,6 +36,7 @@ void StatusLine::appendAppVersion(const QString &text)
 void StatusLine::showPanelMessage(const QString &text)
 {
     m_lblMessagePanel->setText(text);
+    m_lblMessagePanel->setToolTip(text);
 }
 
 } // namespace osprel
