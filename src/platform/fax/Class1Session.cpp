@@ -481,8 +481,10 @@ void Class1Session::onTrainingFrame(const AtReply &r)
 void Class1Session::startPage()
 {
     const int minBytes = T30Params::minBytesPerLine(m_mod->bitRate, m_minScanMs);
-    // T.4 4.2.1: K = 2 at standard resolution, 4 at fine.
-    m_pageData = job().document->encodePage(m_page, m_fine, minBytes, true, m_twoD ? (m_fine ? 4 : 2) : 0);
+    // T.4 4.2.1: K = 2 at standard resolution, 4 at fine. The receiver takes the bits as they come: no octet-aligned
+    // EOLs, so no fill beyond the minimum scan-line time.
+    m_pageData =
+        job().document->encodePage(m_page, m_fine, minBytes, true, m_twoD ? (m_fine ? 4 : 2) : 0, false);
     m_postTries = 0;
     Q_EMIT pageStarted(m_page + 1, pageCount());
     Q_EMIT status(FaxStatus::SendingPage, QStringLiteral("Sending page %1 of %2").arg(m_page + 1).arg(pageCount()));

@@ -90,7 +90,7 @@ QByteArray FaxDocument::reverseBits(const QByteArray &data)
     return out;
 }
 
-QByteArray FaxDocument::encodePage(int i, bool fine, int minBytesPerLine, bool rtc, int k) const
+QByteArray FaxDocument::encodePage(int i, bool fine, int minBytesPerLine, bool rtc, int k, bool alignEol) const
 {
     const FaxPageImage &page = m_pages.at(i);
     const qint64 minBits = qint64(minBytesPerLine) * 8;
@@ -112,10 +112,11 @@ QByteArray FaxDocument::encodePage(int i, bool fine, int minBytesPerLine, bool r
             MhEncoder::encodeRow(out, page.row(y), FaxPageImage::kWidth);
         reference = page.row(y);
         ++coded;
-        // Fill bits make the line last the minimum scan-line time (T.4 4.1.3) and end the EOL on an octet.
+        // Fill bits make the line last the minimum scan-line time (T.4 4.1.3) and, when asked, end the EOL on an
+        // octet.
         qint64 fill = 0;
         while (out.bitCount() - start + fill + eolBits < minBits ||
-               (out.bitCount() + fill + MhEncoder::kEolBits) % 8 != 0)
+               (alignEol && (out.bitCount() + fill + MhEncoder::kEolBits) % 8 != 0))
             ++fill;
         out.zeros(int(fill));
         eol(last || k <= 0 || coded % k == 0);
