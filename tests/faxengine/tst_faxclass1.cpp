@@ -253,10 +253,7 @@ private Q_SLOTS:
         QVERIFY2(modem.start(&error), qPrintable(error));
         FaxEngine engine;
         EventLog log(&engine);
-        engine.setPort(modem.linkPath());
-        engine.setNumber(QStringLiteral("15550199"));
-        engine.setFileToSend(onePageImage());
-        QVERIFY(engine.send());
+        QVERIFY(dialOnePage(engine, modem.linkPath()));
         QTRY_VERIFY_WITH_TIMEOUT(log.completed(), 90000);
         QVERIFY2(log.completion().errorCode == 0, qPrintable(log.completion().errorText + u'\n' + log.dialogue()));
         QTRY_VERIFY_WITH_TIMEOUT(modem.result().finished, 10000);
@@ -326,10 +323,7 @@ private Q_SLOTS:
         QVERIFY2(modem.start(&why), qPrintable(why));
         FaxEngine engine;
         EventLog log(&engine);
-        engine.setPort(modem.linkPath());
-        engine.setNumber(QStringLiteral("15550199"));
-        engine.setFileToSend(onePageImage());
-        QVERIFY(engine.send());
+        QVERIFY(dialOnePage(engine, modem.linkPath()));
         QTRY_VERIFY_WITH_TIMEOUT(log.completed(), 20000);
         QCOMPARE(log.completion().errorCode, error);
         QCOMPARE(log.completion().errorText, FaxEngine::errorText(error));
@@ -371,10 +365,7 @@ private Q_SLOTS:
         QVERIFY2(modem.start(&why), qPrintable(why));
         FaxEngine engine;
         EventLog log(&engine);
-        engine.setPort(modem.linkPath());
-        engine.setNumber(QStringLiteral("15550199"));
-        engine.setFileToSend(onePageImage());
-        QVERIFY(engine.send());
+        QVERIFY(dialOnePage(engine, modem.linkPath()));
         QTRY_VERIFY_WITH_TIMEOUT(log.kinds().contains(FaxEvent::PagesKind), 30000);
         engine.stop();
         QCOMPARE(engine.state(), int(FaxEngine::Idle));
@@ -390,6 +381,15 @@ private Q_SLOTS:
     }
 
 private:
+    // Points the engine at the modem behind port with the one-page image and dials.
+    bool dialOnePage(FaxEngine &engine, const QString &port)
+    {
+        engine.setPort(port);
+        engine.setNumber(QStringLiteral("15550199"));
+        engine.setFileToSend(onePageImage());
+        return engine.send();
+    }
+
     QString onePageImage()
     {
         const QString image = m_dir.filePath(QStringLiteral("one.fmf"));
