@@ -1,9 +1,12 @@
 // bench-fax: what a fax page costs. Rendering and coding one notification page beside Debian's efix on the same
-// text, in the same run; and one page sent through the software fax modem, beside the line's own limit (the page's
-// bits at the negotiated rate). Prints figures; not a test.
+// text, in the same run; coding it for the line with our T.4 coder beside spandsp's t4_tx on the same image file;
+// and one page sent through the software fax modem, beside the line's own limit (the page's bits at the negotiated
+// rate). Prints figures; not a test.
 
 #include "FaxDocument.h"
 #include "FaxEngine.h"
+#include "FaxTextRenderer.h"
+#include "FaxTiffWriter.h"
 #include "SoftModem.h"
 #include "T30Params.h"
 
@@ -16,6 +19,8 @@
 #include <QTemporaryDir>
 #include <QTimer>
 #include <cstdio>
+
+#include <spandsp.h>
 
 using namespace osprel;
 using osprel::faxlab::SoftModem;
@@ -30,9 +35,10 @@ void writePage(const QString &path)
     if (!f.open(QIODevice::WriteOnly))
         return;
     f.write("To: Al Roe\r\nFax Number: 5550002222\r\n\r\nChamber Notification\r\n\r\nChamber Information:\r\n");
-    const char *labels[] = {"Alert ID: 31", "Chamber ID: 4", "Chamber Name: Chamber 4", "Chamber Description: Walk-in",
-                            "On / Off: On", "Controller Name: QLM V", "Configuration: T/H", "Status: Running",
-                            "Logging: Yes"};
+    const char *labels[] = {
+        "Alert ID: 31", "Chamber ID: 4",          "Chamber Name: Chamber 4", "Chamber Description: Walk-in",
+        "On / Off: On", "Controller Name: QLM V", "Configuration: T/H",      "Status: Running",
+        "Logging: Yes"};
     for (const char *label : labels)
         f.write(QByteArray("\t") + label + "\r\n");
     f.write("Alarm Information:\r\n\tError Code: 999\r\n\tError Message: CH1 actual high\r\n");
@@ -40,10 +46,34 @@ void writePage(const QString &path)
     for (const char *line : {"\tCH1 Set Point: 85", "\tCH1 Actual: 91", "\tCH1 Heat PID: 100", "\tCH1 Cool PID: 0"})
         f.write(QByteArray(line) + "\r\n");
     f.write("Channel 2 Data:\r\n");
-    for (const char *line : {"\tCH2 Set Point: 60", "\tCH2 Actual: 58", "\tCH2 Heat/Humidify PID: 40",
-                             "\tCH2 Cool/Dehumidify PID: 0"})
+    for (const char *line :
+         {"\tCH2 Set Point: 60", "\tCH2 Actual: 58", "\tCH2 Heat/Humidify PID: 40", "\tCH2 Cool/Dehumidify PID: 0"})
         f.write(QByteArray(line) + "\r\n");
     f.write("\r\n");
+}
+
+// The first page of an image file coded for the line by spandsp's T.4 coder, as the engine would get it if it used
+// t4_tx instead of its own coder: EOLs and RTC, no minimum row length, no header line.
+QByteArray spandspPageData(const QString &tiff, int encoding)
+{
+    t4_tx_state_t *t4 = t4_tx_init(nullptr, QFile::encodeName(tiff).constData(), 0, 0);
+    if (!t4)
+        return QByteArray();
+    t4_tx_set_tx_encoding(t4, encoding);
+    t4_tx_set_min_bits_per_row(t4, 0);
+    t4_tx_set_header_info(t4, nullptr);
+    QByteArray data;
+    if (t4_tx_start_page(t4) == 0) {
+        uint8_t chunk[4096];
+        int n = 0;
+        do {
+            n = t4_tx_get_chunk(t4, chunk, int(sizeof chunk));
+            data.append(reinterpret_cast<const char *>(chunk), n);
+        } while (n == int(sizeof chunk));
+        t4_tx_end_page(t4);
+    }
+    t4_tx_free(t4);
+    return data;
 }
 
 qint64 folderSize(const QString &folder, const QString &pattern)
@@ -55,11 +85,25 @@ qint64 folderSize(const QString &folder, const QString &pattern)
 }
 
 // One page through the software modem; the wall time from send() to the completion, and what the line did.
-bool sendOnePage(const QString &image, const QString &folder)
+// The page as it was before pages were trimmed: the same text on 11 inches of paper.
+QString untrimmedCopy(const QString &image, const QString &folder)
+{
+    FaxDocument doc;
+    if (!doc.open(image, nullptr) || doc.pageCount() == 0)
+        return QString();
+    FaxPageImage page = doc.page(0);
+    page.bits.append(QByteArray(qsizetype(FaxTextRenderer::kRows - page.rows) * FaxPageImage::kRowBytes, '\0'));
+    page.rows = FaxTextRenderer::kRows;
+    const QString path = folder + QStringLiteral("/untrimmed.fmf");
+    return FaxTiffWriter::write(path, {page}, nullptr) ? path : QString();
+}
+
+bool sendOnePage(const QString &image, const QString &folder, int scanLineMs)
 {
     SoftModem::Options options;
     options.linkPath = folder + QStringLiteral("/ttyFAXBENCH");
     options.receivedTiff = folder + QStringLiteral("/received.tif");
+    options.minScanLineMs = scanLineMs;
     SoftModem modem(options);
     QString error;
     if (!modem.start(&error)) {
@@ -93,15 +137,20 @@ bool sendOnePage(const QString &image, const QString &folder)
     }
     FaxDocument doc;
     doc.open(image, nullptr);
-    const QByteArray pageData = doc.encodePage(0, true, T30Params::minBytesPerLine(r.bitRate, 0));
+    // As the engine codes it for a receiver that offers 2-D coding (spandsp's does): MR with K = 4 at fine.
+    const QByteArray pageData =
+        doc.encodePage(0, true, T30Params::minBytesPerLine(r.bitRate, scanLineMs), true, 4, false);
     const double lineLimit = pageData.size() * 8.0 / r.bitRate;
-    std::printf("\none page through the software modem (spandsp T.31, Class 1)\n");
+    std::printf("\none page through the software modem (spandsp T.31, Class 1) to a %d ms scan-line receiver\n",
+                scanLineMs);
+    std::printf("  page                                %6d rows\n", doc.page(0).rows);
     std::printf("  negotiated rate                     %6d bit/s, %d page(s) received, %d bad rows\n", r.bitRate,
                 r.pages, r.badRows);
     std::printf("  page data                           %6d bytes: %.1f s at that rate (the line's own limit)\n",
                 int(pageData.size()), lineLimit);
     std::printf("  whole call on the simulated line    %6.1f s (dial, training, page, post-page)\n", r.virtualSeconds);
-    std::printf("  wall time, send() to completion     %6.1f s (the modem's clock runs faster while it can)\n", seconds);
+    std::printf("  wall time, send() to completion     %6.1f s (the modem's clock runs faster while it can)\n",
+                seconds);
     return true;
 }
 } // namespace
@@ -144,20 +193,39 @@ int main(int argc, char **argv)
     }
     const qint64 efixSize = folderSize(efixOut, QStringLiteral("page.*"));
 
+    FaxDocument rendered;
+    rendered.open(image, nullptr);
     std::printf("one notification page, text to fax image (mean of %d runs)\n", kRuns);
-    std::printf("  ours: render, threshold, G3 TIFF    %6.1f ms  %6lld bytes  (1728 x 2156, 204 x 196 dpi)\n", ourMs,
-                ourSize);
+    std::printf("  ours: glyph cache, G3 TIFF          %6.1f ms  %6lld bytes  (1728 x %d, 204 x 196 dpi)\n", ourMs,
+                ourSize, rendered.pageCount() ? rendered.page(0).rows : 0);
     if (efixMs >= 0)
         std::printf("  efix (a process each run)           %6.1f ms  %6lld bytes  (1728 x 2287, 204 x 196 dpi)\n",
                     efixMs, efixSize);
-    FaxDocument doc;
-    doc.open(image, nullptr);
-    t.restart();
-    QByteArray coded;
-    for (int i = 0; i < kRuns; ++i)
-        coded = doc.encodePage(0, true, 0);
-    std::printf("  coding the page for the line (T.4)  %6.1f ms  %6d bytes\n", double(t.elapsed()) / kRuns,
-                int(coded.size()));
+    // From the image file to the page's data for the line, both coders reading the same file.
+    std::printf("coding the page for the line (T.4), image file to page data (mean of %d runs)\n", kRuns);
+    for (const int k : {0, 4}) {
+        t.restart();
+        QByteArray ours;
+        for (int i = 0; i < kRuns; ++i) {
+            FaxDocument doc;
+            doc.open(image, nullptr);
+            ours = doc.encodePage(0, true, 0, true, k, false); // as Class 1 sends it
+        }
+        const double oursMs = double(t.elapsed()) / kRuns;
+        t.restart();
+        QByteArray theirs;
+        for (int i = 0; i < kRuns; ++i)
+            theirs = spandspPageData(image, k ? T4_COMPRESSION_ITU_T4_2D : T4_COMPRESSION_ITU_T4_1D);
+        const double theirsMs = double(t.elapsed()) / kRuns;
+        const char *name = k ? "2-D (MR, K = 4)" : "1-D (MH)       ";
+        std::printf("  %s  ours %6.2f ms %6d bytes   spandsp t4_tx %6.2f ms %6d bytes\n", name, oursMs,
+                    int(ours.size()), theirsMs, int(theirs.size()));
+    }
 
-    return sendOnePage(image, dir.path()) ? 0 : 1;
+    const QString untrimmed = untrimmedCopy(image, dir.path());
+    bool ok = true;
+    for (int scanLineMs : {0, 20})
+        for (const QString &page : {untrimmed, image})
+            ok = sendOnePage(page, dir.path(), scanLineMs) && ok;
+    return ok ? 0 : 1;
 }

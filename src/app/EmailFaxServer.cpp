@@ -188,7 +188,7 @@ void EmailFaxServer::TimerInit_Timer()
     switchOn(m_timers.TimerMsgQue);
     switchOn(m_timers.TimerDBAlarms);
     m_timers.TimerInit.stop();
-    m_faxQueue.searchIfEnabledAtLoad();
+    m_faxQueue.openDeviceIfEnabledAtLoad();
 }
 
 bool EmailFaxServer::Form_QueryUnload(int UnloadMode)

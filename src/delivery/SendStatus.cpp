@@ -21,6 +21,8 @@
 #include "TrayState.h"
 #include "Values.h"
 
+#include <QElapsedTimer>
+
 namespace osprel {
 
 namespace {
@@ -39,6 +41,12 @@ SendStatus::SendStatus(FormLists &lists, FormTimers &timers, const Database &dat
                        SmtpClient &smtp, TrayState &tray, StatusPort &port)
     : m_lists(lists), m_timers(timers), m_database(database), m_link(link), m_smtp(smtp), m_tray(tray), m_port(port)
 {
+    m_elapsedMs = [] {
+        static QElapsedTimer monotonic;
+        if (!monotonic.isValid())
+            monotonic.start();
+        return monotonic.elapsed();
+    };
     m_smtpOutcomes = QObject::connect(&m_smtp, &SmtpClient::finished, &m_smtp, [this](const SendOutcome &outcome) {
         m_emailOutcome = outcome;
         m_emailReason = outcome.reason;
@@ -236,15 +244,19 @@ void SendStatus::rearmEmailQueue()
 void SendStatus::faxSending()
 {
     g.glngFaxTicks += 1;
-    // A call that has not reached the sending state after ten checks has failed; none takes 400.
-    if (g.glngFaxTicks >= kFaxCheckTicks && (!m_faxLine || m_faxLine->faxStatus() != 2)) {
+    const qint64 now = m_elapsedMs();
+    if (g.glngFaxTicks == 1) // the first refresh of this call (the count is cleared at each outcome)
+        m_faxSendingSince = now;
+    const qint64 underWay = now - m_faxSendingSince;
+    // A call that is not in progress ten seconds on has failed; none takes 400 seconds.
+    if (underWay >= kFaxCheckMs && (!m_faxLine || m_faxLine->faxStatus() != 2)) {
         g.gintFaxSendState = Failed;
         m_faxReason = QStringLiteral("the call did not reach the sending state");
     }
-    if (g.glngFaxTicks >= kFaxGiveUpTicks) {
+    if (underWay >= kFaxGiveUpMs) {
         g.gintFaxSendState = Failed;
         m_faxReason =
-            QStringLiteral("no outcome after ") + QString::number(kFaxGiveUpTicks) + QStringLiteral(" status checks");
+            QStringLiteral("no outcome after ") + QString::number(kFaxGiveUpMs / 1000) + QStringLiteral(" seconds");
     }
     if (g.gblnFaxTest)
         m_port.setTxtTestFaxProg(QString::number(g.glngFaxTicks) + QStringLiteral("Sending... "));

@@ -7,7 +7,6 @@
 #include "SendOutcome.h"
 
 #include <QObject>
-
 #include <QStringList>
 #include <functional>
 
@@ -26,8 +25,11 @@ class SendStatus
 {
 public:
     static constexpr int kEmailGiveUpTicks = 60;
-    static constexpr int kFaxCheckTicks = 10;
-    static constexpr int kFaxGiveUpTicks = 400;
+    // A fax call is judged by the time it has been under way, not by how often the status was refreshed: the
+    // refresh runs on the dispatch tick (1 s at design, any rate under a time scale) and on SMTP events too. At the
+    // design interval 10 and 400 ticks were these times.
+    static constexpr qint64 kFaxCheckMs = 10000;
+    static constexpr qint64 kFaxGiveUpMs = 400000;
 
     SendStatus(FormLists &lists, FormTimers &timers, const Database &database, AlertLink &link, SmtpClient &smtp,
                TrayState &tray, StatusPort &port);
@@ -36,6 +38,8 @@ public:
     SendStatus &operator=(const SendStatus &) = delete;
 
     void setFaxLine(FaxLine *line) { m_faxLine = line; }
+    // The monotonic milliseconds the fax limits are measured with (tests move them); real time by default.
+    void setElapsedSource(std::function<qint64()> source) { m_elapsedMs = std::move(source); }
     // Told of each message that failed for good, with its queue row, after the row left its queue (1 e-mail, 2 fax).
     using FinalFailure = std::function<void(int via, const QStringList &row)>;
     void setFinalFailureHandler(FinalFailure handler) { m_finalFailure = std::move(handler); }
@@ -68,6 +72,8 @@ private:
     StatusPort &m_port;
     FinalFailure m_finalFailure;
     FaxLine *m_faxLine = nullptr;
+    std::function<qint64()> m_elapsedMs;
+    qint64 m_faxSendingSince = 0;
     QMetaObject::Connection m_smtpOutcomes;
     SendOutcome m_emailOutcome; // the SMTP client's last outcome: temporary or not, and whom the server refused
     bool gblnStatusUpdating = false;

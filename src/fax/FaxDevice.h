@@ -2,7 +2,10 @@
 // The fax modem: finding it on the serial ports, choosing its fax class, and the modem settings (initialisation
 // string and class option) kept in SetupModem.
 
+#include "ModemSettings.h"
+
 #include <QString>
+#include <functional>
 
 namespace osprel {
 
@@ -20,7 +23,13 @@ public:
     FaxDevice(FaxEngine &engine, FaxFinder &finder, const Database &database, const FormLists &lists, FaxPagePort &page,
               ModemPanelPort &panel);
 
+    // Refused while a call is in progress: the search would take the modem from under it.
     qint16 FindDevice();
+    // Start-up with fax messaging on at the last exit: the device used last, checked with one probe and no search.
+    // True when it answers with its class; the caller then keeps fax messaging on.
+    bool openLastDevice();
+    // How a found device switches fax messaging on: the same path as a click on the box (stored, list refreshed).
+    void setEnableFaxHandler(std::function<void()> handler) { m_enableFax = std::move(handler); }
     void InitModemSettings();
     void cmdAdvSetup_Click();
     void cmdDefaultInitStr_Click();
@@ -37,7 +46,8 @@ public:
     qint16 failedSearches = 0;
 
     // The search as the environment sets it: paths in OSPREL_FAX_DEVICES (a modem on an unusual port, or a
-    // software modem) are searched besides the system's serial ports, which OSPREL_FAX_SYSTEM_PORTS=0 leaves out.
+    // software modem) are searched after the listed ports; OSPREL_FAX_SYSTEM_PORTS=0 keeps the system's serial
+    // ports out even when the settings ask for all of them.
     static void configureFinder(FaxFinder &finder);
 
     // "Class 1 2 2.0 Modem on Port /dev/ttyS0."
@@ -45,7 +55,9 @@ public:
 
 private:
     void chooseClass(const FaxDeviceInfo &device);
+    void showClassSupport(const FaxDeviceInfo &device);
     void loadModemSettings();
+    void rememberDevice(const FaxDeviceInfo &device);
 
     FaxEngine &m_engine;
     FaxFinder &m_finder;
@@ -53,6 +65,8 @@ private:
     const FormLists &m_lists;
     FaxPagePort &m_page;
     ModemPanelPort &m_panel;
+    LastDevice m_last;
+    std::function<void()> m_enableFax;
 };
 
 } // namespace osprel

@@ -45,6 +45,24 @@ FaxQueue::FaxQueue(FaxEngine &engine, FaxDevice &device, FormLists &lists, FormT
     connect(&m_engine, &FaxEngine::Pages, this, &FaxQueue::onPages);
     connect(&m_engine, &FaxEngine::CompletionStatus, this, &FaxQueue::FaxmanJr1_CompletionStatus);
     connect(&m_engine, &FaxEngine::Message, this, &FaxQueue::onMessage);
+    m_device.setEnableFaxHandler([this] {
+        m_page.setChkEnableFax(true);
+        chkEnableFax_Click();
+    });
+}
+
+bool FaxQueue::deviceInUse() const
+{
+    // A call holds the modem; an outcome not yet recorded would be taken for the test's own.
+    return m_engine.state() == FaxEngine::InCall || g.gintFaxSendState != 0;
+}
+
+void FaxQueue::identifyStation()
+{
+    // The station as stored with Comm Setup's Accept: sent as TSI / +FLID and printed in each page's header line.
+    QString station;
+    guarded(QStringLiteral("SendFax"), [&] { station = textOrEmpty(commSettingsRow(m_database), "FaxStation"); });
+    m_engine.setStationId(Trim(station));
 }
 
 void FaxQueue::TimerFaxMsgQue_Timer()
@@ -58,6 +76,7 @@ void FaxQueue::TimerFaxMsgQue_Timer()
             WriteToFile(queue.text(1, 2).split(QStringLiteral("\r\n")), recipient);
             CreateFaxImage();
             m_engine.setNumber(QStringLiteral("1") + recipient.FaxNumber); // always with the long-distance 1
+            identifyStation();
             SendFax();
             addDeliveryRow(m_lists, 1, QStringLiteral("Finding Device"), recipient.FaxNumber, queue.text(1, 7));
         }
@@ -202,6 +221,12 @@ void FaxQueue::cmdTestFax_Click()
                 QStringLiteral("You must enter a valid name & fax number before sending a test fax."));
             return;
         }
+        if (deviceInUse()) {
+            // The live fax goes on untouched; the test can be sent once it is done.
+            faxLog(QStringLiteral("!!!!! Device currently in use !!!!!"));
+            m_page.setTxtTestFaxProg(QStringLiteral("Device currently in use"));
+            return;
+        }
         m_page.setTxtTestFaxProg(QStringLiteral("Initializing..."));
         RecipientRec recipient;
         recipient.FirstName = Trim(name);
@@ -211,6 +236,7 @@ void FaxQueue::cmdTestFax_Click()
         m_device.FindDevice();
         g.gblnFaxTest = true;
         m_engine.setNumber(recipient.FaxNumber);
+        identifyStation();
         SendFax();
     });
 }
@@ -237,12 +263,11 @@ void FaxQueue::noteEnabledAtLoad()
     faxNotice = m_page.chkEnableFax();
 }
 
-void FaxQueue::searchIfEnabledAtLoad()
+void FaxQueue::openDeviceIfEnabledAtLoad()
 {
     if (!faxNotice || m_device.gblnFaxDeviceFound)
         return;
-    m_device.FindDevice();
-    if (m_device.gblnFaxDeviceFound)
+    if (m_device.openLastDevice())
         faxNotice = false;
 }
 

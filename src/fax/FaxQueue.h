@@ -43,9 +43,9 @@ public:
 
     // Start-up: fax messaging as the last run left it (read from the enable box at load) ...
     void noteEnabledAtLoad();
-    // ... and, once the server has settled, one search for the modem, so that faxes go on being sent when it is
-    // there; without it the next queue tick turns fax messaging off with a notice.
-    void searchIfEnabledAtLoad();
+    // ... and, once the server has settled, the modem used last, checked with one probe (no search): faxes go on
+    // being sent when it answers; otherwise the next queue tick turns fax messaging off with a notice.
+    void openDeviceIfEnabledAtLoad();
 
     // FaxLine: what the send-status refresh asks of the device.
     int faxStatus() const override;
@@ -58,6 +58,8 @@ Q_SIGNALS:
     void finished(const osprel::SendOutcome &outcome);
 
 private:
+    bool deviceInUse() const;
+    void identifyStation();
     void onProgress(const FaxEvent &event);
     void onPages(const FaxEvent &event);
     void FaxmanJr1_CompletionStatus(const FaxEvent &event);

@@ -2,6 +2,9 @@
 // The advanced modem panel (picAdvModemSetup): the initialisation string, the fax class options, the current
 // class, its Accept and Cancel, and detail logging.
 
+#include "FaxFinder.h"
+#include "ModemProfile.h"
+
 #include <QString>
 
 namespace osprel {
@@ -22,6 +25,11 @@ public:
     // cmdAcceptModemSetup and cmdCancelModemSetup.
     virtual void setModemSetupButtonsEnabled(bool enabled) = 0;
     virtual bool chkDetailModemLogging() const = 0;
+    // The modem profile and the device search's ports, as the panel shows them.
+    virtual ModemProfile modemProfile() const = 0;
+    virtual void setModemProfile(const ModemProfile &profile) = 0;
+    virtual SearchPolicy searchPolicy() const = 0;
+    virtual void setSearchPolicy(const SearchPolicy &policy) = 0;
 };
 
 } // namespace osprel

@@ -37,6 +37,17 @@ const QList<Migration> &migrations()
                          "TokenSource INTEGER DEFAULT 0, TokenUrl TEXT, Tenant TEXT, ClientId TEXT, Scope TEXT, "
                          "TokenCommand TEXT, ConnectTimeout INTEGER DEFAULT 30, ReplyTimeout INTEGER DEFAULT 120, "
                          "DotTimeout INTEGER DEFAULT 600, KillTimeMinutes INTEGER DEFAULT 240)")}},
+        // 4: the fax modem's profile beside SetupModem (flow control, reports, bit order, RTC, delays), the ports
+        // the device search may probe and those it must not, and the device last used.
+        {4,
+         {QStringLiteral("CREATE TABLE IF NOT EXISTS SetupModemProfile (FlowControl INTEGER, FlowCmd TEXT, "
+                         "ReportParams INTEGER, BitOrder INTEGER, ModemAppendsRTC INTEGER, FrsDelay INTEGER, "
+                         "FtsDelay INTEGER, TcfDelay INTEGER, SearchPorts TEXT, NotModemPorts TEXT, "
+                         "SearchAllPorts INTEGER, LastPort TEXT, LastClass INTEGER)"),
+          QStringLiteral("INSERT INTO SetupModemProfile (FlowControl, FlowCmd, ReportParams, BitOrder, "
+                         "ModemAppendsRTC, FrsDelay, FtsDelay, TcfDelay, SearchPorts, NotModemPorts, SearchAllPorts, "
+                         "LastPort, LastClass) SELECT 2, '', 1, 0, 1, 7, 8, 0, '', '', 0, '', 0 "
+                         "WHERE NOT EXISTS (SELECT 1 FROM SetupModemProfile)")}},
     };
     return list;
 }

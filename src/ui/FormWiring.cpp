@@ -94,6 +94,8 @@ void wireFax(MainWindow &window, EmailFaxServer &server)
     onClick(panel.cmdTalkToMe, window, [&server] { server.faxDevice().cmdTalkToMe_Click(); });
     QObject::connect(panel.modemClass, &QButtonGroup::idClicked, &window,
                      [&server] { server.faxDevice().modemSetupChanged(); });
+    QObject::connect(window.advModemPanel(), &AdvModemPanel::settingsEdited, &window,
+                     [&server] { server.faxDevice().modemSetupChanged(); });
     QObject::connect(panel.txtConStr, &QLineEdit::textEdited, &window,
                      [&server] { server.faxDevice().modemSetupChanged(); });
 }

@@ -214,24 +214,31 @@ private Q_SLOTS:
             QStringLiteral("Fallback: fax to 5551234567 failed for good; sending it by e-mail.")));
     }
 
-    void faxTickLimits()
+    // The limits are time under way: a thousand refreshes in one second (a fast time scale, SMTP events) end no
+    // call; 400 s do, and 10 s do when the device is not in a call.
+    void faxTimeLimits()
     {
+        qint64 now = 5000;
+        m_status->setElapsedSource([&now] { return now; });
         m_f->lists.lvwSendFaxQue.add(job(QStringLiteral("5"), 0));
         startAttempt(1, QStringLiteral("5551234567"));
         g.gintFaxSendState = 1;
         m_faxLine.status = 2; // a call under way
-        for (int tick = 1; tick < SendStatus::kFaxGiveUpTicks; ++tick)
+        for (int tick = 0; tick < 1000; ++tick, ++now)
             m_status->SendStatUpdate();
         QCOMPARE(g.gintFaxSendState, qint16(1));
+        now += SendStatus::kFaxGiveUpMs - 1000;
         m_status->SendStatUpdate();
         QCOMPARE(g.gintFaxSendState, qint16(4));
 
         g.gintFaxSendState = 1;
         g.glngFaxTicks = 0;
         m_faxLine.status = 1; // the device never reached a call
-        for (int tick = 1; tick < SendStatus::kFaxCheckTicks; ++tick)
-            m_status->SendStatUpdate();
+        m_status->SendStatUpdate();
+        now += SendStatus::kFaxCheckMs - 1;
+        m_status->SendStatUpdate();
         QCOMPARE(g.gintFaxSendState, qint16(1));
+        now += 1;
         m_status->SendStatUpdate();
         QCOMPARE(g.gintFaxSendState, qint16(4));
     }

@@ -4,6 +4,7 @@
 #include "FaxDevice.h"
 #include "FaxEngine.h"
 #include "FaxFinder.h"
+#include "FaxQueue.h"
 #include "Globals.h"
 #include "HeadlessWindow.h"
 #include "ScriptedModem.h"
@@ -44,6 +45,11 @@ private Q_SLOTS:
                  QStringList({"No fax devices detected.", "No fax devices detected."}));
         m_device->FindDevice(); // the count was cleared: again one search and one retry
         QCOMPARE(m_f->log->lstFaxStatus()->rowCount(), 4);
+        // No port to search at all (the default): the log says where to list one, once per search.
+        m_finder.setExtraPaths({});
+        m_device->FindDevice();
+        QCOMPARE(m_f->log->lstFaxStatus()->rowCount(), 7);
+        QVERIFY(m_f->log->lstFaxStatus()->stringList().at(5).startsWith(QLatin1String("No serial port may be")));
     }
 
     void devicesAreTakenInTurnWithTheirClass()
@@ -73,6 +79,63 @@ private Q_SLOTS:
         QCOMPARE(m_engine.port(), allClasses.linkPath());
     }
 
+    // A found device with fax recipients switches fax messaging on as a click on the box does (stored for the next
+    // start, fax list enabled) and is kept as the device last used. A search during a call is refused and leaves the
+    // call's modem alone. At the next start the kept device is checked with one probe, with no search; when it is
+    // gone nothing is searched and nothing is logged as "not detected".
+    void searchPolicyAroundCallsAndStartUp()
+    {
+        ScriptedModem modem({m_f->dir.filePath(QStringLiteral("modem")), "0,2,2.0"});
+        QVERIFY(modem.start());
+        FaxQueue queue(m_engine, *m_device, m_f->lists, m_f->timers, m_f->db, *m_window, *m_window, *m_window,
+                       *m_window);
+        m_device->InitModemSettings();
+        m_finder.setExtraPaths({modem.linkPath()});
+        m_f->lists.lvwFaxContacts.add(QStringList{"Roe", "Al", "5550002222"});
+        m_window->fax = false;
+        m_window->faxListEnabled = false;
+        m_window->classOption = 0;
+        m_device->FindDevice();
+        QVERIFY(m_device->gblnFaxDeviceFound);
+        QVERIFY(m_window->fax);
+        QVERIFY(m_window->faxListEnabled);
+        QSqlQuery stored = m_f->db.run(QStringLiteral("SELECT c.FaxEnabledAtBoot || '|' || p.LastPort || '|' || "
+                                                      "p.LastClass FROM SetupComm c, SetupModemProfile p"));
+        QVERIFY(stored.next());
+        QCOMPARE(stored.value(0).toString(), QStringLiteral("1|") + modem.linkPath() + QStringLiteral("|2"));
+
+        ScriptedModem silent({m_f->dir.filePath(QStringLiteral("busy-line")), QByteArray()});
+        QVERIFY(silent.start());
+        m_engine.setPort(silent.linkPath());
+        m_engine.setFileToSend(m_f->dir.filePath(QStringLiteral("none.fmf")));
+        QVERIFY(m_engine.send());
+        m_device->FindDevice();
+        QCOMPARE(m_f->log->lstFaxStatus()->stringList().last(), QStringLiteral("!!!!! Device currently in use !!!!!"));
+        QVERIFY(m_device->gblnFaxDeviceFound);
+        QCOMPARE(m_engine.port(), silent.linkPath());
+        QCOMPARE(modem.result().commands.count(QStringLiteral("AT+FCLASS=?")), 1);
+        m_engine.stop();
+
+        const int logged = m_f->log->lstFaxStatus()->rowCount();
+        FaxEngine restarted;
+        FaxFinder finder; // no ports to search at all: only the kept device can be found
+        FaxDevice atStart(restarted, finder, m_f->db, m_f->lists, *m_window, *m_window);
+        atStart.InitModemSettings();
+        QVERIFY(atStart.openLastDevice());
+        QVERIFY(atStart.gblnFaxDeviceFound);
+        QCOMPARE(restarted.port(), modem.linkPath());
+        QCOMPARE(restarted.faxClass(), int(FaxEngine::Class2));
+        QCOMPARE(modem.result().commands.count(QStringLiteral("AT+FCLASS=?")), 2);
+
+        modem.stop();
+        FaxDevice modemGone(restarted, finder, m_f->db, m_f->lists, *m_window, *m_window);
+        modemGone.InitModemSettings();
+        QVERIFY(!modemGone.openLastDevice());
+        QVERIFY(!modemGone.gblnFaxDeviceFound);
+        QVERIFY(
+            !m_f->log->lstFaxStatus()->stringList().mid(logged).contains(QStringLiteral("No fax devices detected.")));
+    }
+
     void modemSettingsLoadAndSave()
     {
         m_device->InitModemSettings();
@@ -97,6 +160,23 @@ private Q_SLOTS:
         m_device->cmdCancelModemSetup_Click();
         QCOMPARE(m_window->initString, QStringLiteral("ATZ"));
         QVERIFY(!m_window->advModemOpen);
+
+        // The profile and the search's ports are stored with them, and come back at the next start.
+        QCOMPARE(m_window->profile.flowControl, int(ModemProfile::RtsCts));
+        m_window->profile.flowControl = ModemProfile::XonXoff;
+        m_window->profile.modemAppendsRtc = false;
+        m_window->search.ports = QStringList{QStringLiteral("/dev/ttyUSB0")};
+        m_window->search.notModems = QStringList{QStringLiteral("/dev/ttyS0"), QStringLiteral("/dev/ttyS1")};
+        m_device->cmdAcceptModemSetup_Click();
+        QCOMPARE(m_engine.profile().flowControl, int(ModemProfile::XonXoff));
+        QVERIFY(m_finder.isNotModem(QStringLiteral("/dev/ttyS1")));
+        m_window->profile = ModemProfile();
+        m_window->search = SearchPolicy();
+        m_device->InitModemSettings();
+        QCOMPARE(m_window->profile.flowControl, int(ModemProfile::XonXoff));
+        QVERIFY(!m_window->profile.modemAppendsRtc);
+        QCOMPARE(m_window->search.ports, QStringList{QStringLiteral("/dev/ttyUSB0")});
+        QCOMPARE(m_window->search.notModems.size(), 2);
     }
 
 private:

@@ -1,10 +1,14 @@
 // The Class 2 and Class 2.0 drivers against a scripted modem that follows the EIA-592 / T.32 dialogue: a good
 // two-page call, and hang-ups with a non-zero code at each step.
 
+#include "Clock.h"
 #include "EventLog.h"
 #include "FaxCodes.h"
+#include "FaxDocument.h"
 #include "FaxEngine.h"
+#include "FaxHeader.h"
 #include "FaxTextRenderer.h"
+#include "GlyphCache.h"
 #include "ScriptedModem.h"
 
 #include <QTemporaryDir>
@@ -68,8 +72,10 @@ private Q_SLOTS:
         QVERIFY(r.commands.contains(c20 ? QStringLiteral("AT+FLI=\"+1 555 0100\"")
                                         : QStringLiteral("AT+FLID=\"+1 555 0100\"")));
         QCOMPARE(r.pages.size(), 2);
-        for (const QByteArray &page : r.pages)
-            QCOMPARE(ScriptedModem::countLines(page), FaxTextRenderer::kRows);
+        FaxDocument document;
+        QVERIFY(document.open(m_image, nullptr));
+        for (int p = 0; p < 2; ++p)
+            QCOMPARE(ScriptedModem::countLines(r.pages.at(p)), document.page(p).rows);
         if (c20) {
             // T.32: the data itself says whether another page follows; no +FET.
             QCOMPARE(r.pageEnds, (QList<QByteArray>{QByteArray("\x10,"), QByteArray("\x10.")}));
@@ -79,6 +85,69 @@ private Q_SLOTS:
             QCOMPARE(r.commands.filter(QStringLiteral("+FET")),
                      (QStringList{QStringLiteral("AT+FET=0"), QStringLiteral("AT+FET=2")}));
         }
+    }
+
+    // A modem that behaves like shipped T.32 modems: it reports the session only after +FNR, and on XON/XOFF it stops
+    // taking data after 1 KB and loses what comes before its XON. Every page byte must arrive as sent, and the log
+    // must carry what was negotiated (9600 bit/s, normal resolution), not a guess. Without +FNR nothing is reported
+    // and the log says so rather than make the speed and remote ID up.
+    void realisticClass20Modem()
+    {
+        ScriptedModem::Options opt;
+        opt.linkPath = m_dir.filePath(QStringLiteral("real-c20"));
+        opt.session = "0,3,0,2,0,0,0,0";
+        opt.reportsOnlyAfterFnr = true;
+        opt.xoffAfter = 1024;
+        ScriptedModem modem(opt);
+        QString error;
+        QVERIFY2(modem.start(&error), qPrintable(error));
+        FaxEngine engine;
+        EventLog log(&engine);
+        ModemProfile profile;
+        profile.flowControl = ModemProfile::XonXoff;
+        engine.setProfile(profile);
+        engine.setPort(modem.linkPath());
+        engine.setFaxClass(FaxEngine::Class20);
+        engine.setNumber(QStringLiteral("15550199"));
+        engine.setFileToSend(m_image);
+        const QDateTime sent(QDate(2026, 11, 23), QTime(10, 15));
+        Clock::setSource([sent] { return sent; });
+        QVERIFY(engine.send());
+        QTRY_VERIFY_WITH_TIMEOUT(log.completed(), 30000);
+        Clock::setSource({});
+        QVERIFY2(log.completion().errorCode == 0, qPrintable(log.completion().errorText + '\n' + log.dialogue()));
+        QCOMPARE(log.completion().speed, QStringLiteral("9600"));
+        QCOMPARE(log.completion().resolution, QStringLiteral("Normal"));
+        QCOMPARE(log.completion().remoteId, QStringLiteral("SCRIPTED FAX"));
+
+        const ScriptedModem::Result r = modem.result();
+        for (const char *cmd : {"AT+FLO=1", "AT+FNR=1,1,1,0", "AT+FBO=0"})
+            QVERIFY2(r.commands.contains(QLatin1String(cmd)), cmd);
+        QVERIFY(r.xoffs >= r.pages.size());
+        QCOMPARE(r.dropped, 0);
+        FaxDocument document;
+        QVERIFY(document.open(m_image, &error));
+        QCOMPARE(r.pages.size(), document.pageCount());
+        GlyphCache glyphs(FaxHeader::kFontPixels);
+        for (int i = 0; i < r.pages.size(); ++i) // with its header; normal resolution, no fill, RTC by the modem
+            FaxHeader::stamp(document.page(i), FaxHeader::text(QString(), sent, i + 1, r.pages.size()), glyphs);
+        for (int i = 0; i < r.pages.size(); ++i)
+            QVERIFY2(r.pages.at(i) == document.encodePage(i, false, 0, false), qPrintable(QString::number(i)));
+
+        ScriptedModem::Options quiet = opt;
+        quiet.linkPath = m_dir.filePath(QStringLiteral("quiet-c20"));
+        quiet.xoffAfter = 0;
+        ScriptedModem silent(quiet);
+        QVERIFY(silent.start());
+        EventLog log2(&engine);
+        profile.reportParameters = false;
+        engine.setProfile(profile);
+        engine.setPort(silent.linkPath());
+        QVERIFY(engine.send());
+        QTRY_VERIFY_WITH_TIMEOUT(log2.completed(), 30000);
+        QCOMPARE(log2.completion().errorCode, 0);
+        QCOMPARE(log2.completion().speed, QStringLiteral("unknown"));
+        QCOMPARE(log2.completion().remoteId, QString());
     }
 
     // +FHNG:n (Class 2) or +FHS:n (Class 2.0) with n other than 0 fails the fax with that code.

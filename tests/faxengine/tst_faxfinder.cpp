@@ -99,16 +99,56 @@ private Q_SLOTS:
         QCOMPARE(finder.item(0).port, class2.linkPath());
     }
 
-    void candidatesAreSerialPortsThenExtraPaths()
+    // A chamber controller on a serial port must never see AT+FCLASS=?. Listed as not a modem (here by the device
+    // its symlink leads to) it is never opened, though it stands in the list of ports; left in, it is probed, answers
+    // garbage, and is not taken for a modem.
+    void notAModemIsNeverWritten()
+    {
+        ScriptedModem a({m_dir.filePath(QStringLiteral("modem-a")), "0,1"});
+        ScriptedModem b({m_dir.filePath(QStringLiteral("modem-b")), "0,2,2.0"});
+        ScriptedModem::Options controllerOpt;
+        controllerOpt.linkPath = m_dir.filePath(QStringLiteral("chamber"));
+        controllerOpt.classes = "\x02T1=85.0;T2=60.2\x03";
+        ScriptedModem controller(controllerOpt);
+        QVERIFY(a.start() && b.start() && controller.start());
+
+        SearchPolicy policy;
+        policy.ports = QStringList{a.linkPath(), controller.linkPath(), b.linkPath()};
+        policy.notModems = QStringList{QFileInfo(controller.linkPath()).canonicalFilePath()};
+        FaxFinder finder;
+        finder.setProbeTimeout(500);
+        finder.setPolicy(policy);
+        QCOMPARE(finder.search(), 2);
+        QCOMPARE(finder.item(0).port, a.linkPath());
+        QCOMPARE(finder.item(1).port, b.linkPath());
+        QVERIFY(controller.result().commands.isEmpty());
+
+        policy.notModems.clear();
+        finder.setPolicy(policy);
+        QCOMPARE(finder.search(), 2);
+        QCOMPARE(controller.result().commands, QStringList{QStringLiteral("AT+FCLASS=?")});
+    }
+
+    // By default only the listed ports; "all serial ports" adds the system's after them, less those not modems.
+    void candidatesFollowThePolicy()
     {
         FaxFinder finder;
-        finder.setExtraPaths({QStringLiteral("/tmp/modem-a"), QString(), QStringLiteral("/tmp/modem-a")});
+        SearchPolicy policy;
+        policy.ports = QStringList{QStringLiteral("/tmp/modem-a"), QString(), QStringLiteral("/tmp/modem-a")};
+        finder.setPolicy(policy);
+        QCOMPARE(finder.candidates(), QStringList{QStringLiteral("/tmp/modem-a")});
+
+        policy.allSerialPorts = true;
+        policy.notModems = QStringList{QStringLiteral("/dev/ttyS0")};
+        finder.setPolicy(policy);
         const QStringList c = finder.candidates();
-        QCOMPARE(c.last(), QStringLiteral("/tmp/modem-a"));
-        QCOMPARE(c.count(QStringLiteral("/tmp/modem-a")), 1);
+        QCOMPARE(c.first(), QStringLiteral("/tmp/modem-a"));
+        QVERIFY(!c.contains(QStringLiteral("/dev/ttyS0")));
         const QRegularExpression serial(QStringLiteral("^/dev/tty(S|USB|ACM)\\d+$"));
-        for (int i = 0; i + 1 < c.size(); ++i)
+        for (int i = 1; i < c.size(); ++i)
             QVERIFY2(serial.match(c.at(i)).hasMatch(), qPrintable(c.at(i)));
+        finder.setSearchSystemPorts(false); // the test environment's own switch overrides the policy
+        QCOMPARE(finder.candidates(), QStringList{QStringLiteral("/tmp/modem-a")});
     }
 
 private:

@@ -39,8 +39,9 @@ int blackPels(const FaxPageImage &page)
     return n;
 }
 
-// Writes coded rows as the one strip of a 1-D G3 TIFF, so that libtiff's own decoder can judge them.
-bool writeRawG3(const QString &path, const QByteArray &strip, int rows, bool lsbFirst)
+// Writes coded rows as the one strip of a G3 TIFF (1-D, or 2-D with tag bits), so that libtiff's own decoder can
+// judge them.
+bool writeRawG3(const QString &path, const QByteArray &strip, int rows, bool lsbFirst, bool twoD = false)
 {
     TIFF *t = TIFFOpen(QFile::encodeName(path).constData(), "w");
     if (!t)
@@ -50,7 +51,7 @@ bool writeRawG3(const QString &path, const QByteArray &strip, int rows, bool lsb
     TIFFSetField(t, TIFFTAG_BITSPERSAMPLE, uint16_t(1));
     TIFFSetField(t, TIFFTAG_SAMPLESPERPIXEL, uint16_t(1));
     TIFFSetField(t, TIFFTAG_COMPRESSION, COMPRESSION_CCITTFAX3);
-    TIFFSetField(t, TIFFTAG_GROUP3OPTIONS, uint32_t(0));
+    TIFFSetField(t, TIFFTAG_GROUP3OPTIONS, uint32_t(twoD ? GROUP3OPT_2DENCODING : 0));
     TIFFSetField(t, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISWHITE);
     TIFFSetField(t, TIFFTAG_FILLORDER, lsbFirst ? FILLORDER_LSB2MSB : FILLORDER_MSB2LSB);
     TIFFSetField(t, TIFFTAG_ROWSPERSTRIP, uint32_t(rows));
@@ -104,7 +105,7 @@ private Q_SLOTS:
         TIFFGetField(t, TIFFTAG_YRESOLUTION, &yres);
         TIFFClose(t);
         QCOMPARE(width, uint32_t(1728));
-        QCOMPARE(length, uint32_t(FaxTextRenderer::kRows));
+        QCOMPARE(length, uint32_t(FaxTextRenderer::pageRows(qMin(lines, 60)))); // ends a margin after its text
         QCOMPARE(compression, uint16_t(COMPRESSION_CCITTFAX3));
         QCOMPARE(bps, uint16_t(1));
         QCOMPARE(photometric, uint16_t(PHOTOMETRIC_MINISWHITE));
@@ -116,9 +117,14 @@ private Q_SLOTS:
         FaxDocument doc;
         QVERIFY2(doc.open(image, &error), qPrintable(error));
         QCOMPARE(doc.pageCount(), pages);
+        // Written row by row, the pages are those drawn whole.
+        const QList<FaxPageImage> whole =
+            FaxTextRenderer::render(FaxTextRenderer::splitLines(QString::fromLatin1(linesOf(lines))));
+        QCOMPARE(whole.size(), pages);
         for (int p = 0; p < pages; ++p) {
+            QVERIFY(doc.page(p).bits == whole.at(p).bits);
             QVERIFY(doc.page(p).fine);
-            QCOMPARE(doc.page(p).rows, FaxTextRenderer::kRows);
+            QCOMPARE(doc.page(p).rows, FaxTextRenderer::pageRows(qMin(60, lines - 60 * p)));
             QCOMPARE(blackPels(doc.page(p)) > 0, lines > 0);
         }
     }
@@ -130,12 +136,12 @@ private Q_SLOTS:
         QCOMPARE(FaxTextRenderer::splitLines(QStringLiteral("a\nb")), (QStringList{"a", "b"}));
         QCOMPARE(FaxTextRenderer::splitLines(QStringLiteral("a\r\n\r\n")), (QStringList{"a", ""}));
         QCOMPARE(FaxTextRenderer::splitLines(QStringLiteral("\tX\r\nab\tY")), (QStringList{"        X", "ab      Y"}));
-        const QList<QImage> crlf =
+        const QList<FaxPageImage> crlf =
             FaxTextRenderer::render(FaxTextRenderer::splitLines(QString::fromLatin1(linesOf(5))));
-        const QList<QImage> lf =
+        const QList<FaxPageImage> lf =
             FaxTextRenderer::render(FaxTextRenderer::splitLines(QString::fromLatin1(linesOf(5, "\n"))));
         QCOMPARE(crlf.size(), 1);
-        QVERIFY(crlf.first() == lf.first());
+        QVERIFY(crlf.first().bits == lf.first().bits);
     }
 
     void missingTextFile()
@@ -194,38 +200,53 @@ private Q_SLOTS:
     }
 
     // The data a driver sends: EOL first, fill to the minimum line length, EOLs on octet boundaries, RTC at the
-    // end, the first bit in the lowest bit. libtiff reads it back as the same page.
+    // end, the first bit in the lowest bit; 1-D or 2-D. libtiff reads it back as the same page.
     void pageDataForTheLine_data()
     {
         QTest::addColumn<int>("minBytes");
-        QTest::newRow("no minimum") << 0;
-        QTest::newRow("20 ms at 14400") << 36;
+        QTest::addColumn<int>("k");
+        QTest::addColumn<bool>("aligned");
+        QTest::newRow("no minimum") << 0 << 0 << true;
+        QTest::newRow("20 ms at 14400") << 36 << 0 << true;
+        QTest::newRow("2-D") << 0 << 4 << true;
+        QTest::newRow("2-D, 20 ms at 14400") << 36 << 4 << true;
+        QTest::newRow("EOLs not aligned") << 0 << 0 << false;
+        QTest::newRow("2-D, EOLs not aligned") << 0 << 4 << false;
+        QTest::newRow("2-D, EOLs not aligned, 20 ms at 14400") << 36 << 4 << false;
     }
 
     void pageDataForTheLine()
     {
         QFETCH(int, minBytes);
+        QFETCH(int, k);
+        QFETCH(bool, aligned);
         const QString image = m_dir.filePath(QStringLiteral("line.fmf"));
         QVERIFY(FaxEngine::convertText(writeText(m_dir, QStringLiteral("line.txt"), linesOf(40)), image, nullptr));
         FaxDocument doc;
         QVERIFY(doc.open(image, nullptr));
-        const QByteArray data = doc.encodePage(0, true, minBytes);
+        const QByteArray data = doc.encodePage(0, true, minBytes, true, k, aligned);
         const int rows = doc.page(0).rows;
         QVERIFY(data.size() >= rows * minBytes);
+        if (!aligned && minBytes == 0) // fill only where the minimum asks for it
+            QVERIFY(data.size() < doc.encodePage(0, true, minBytes, true, k).size());
         // RTC: six EOLs after the last line's octet-aligned one (000000000001, first bit lowest).
-        QVERIFY(data.endsWith(QByteArray::fromHex("800008800008800008")));
+        if (k == 0 && aligned)
+            QVERIFY(data.endsWith(QByteArray::fromHex("800008800008800008")));
+        if (k > 0) // two-dimensional: text compresses further
+            QVERIFY(data.size() < doc.encodePage(0, true, minBytes).size() || minBytes > 0);
         // The page begins with an EOL.
         QCOMPARE(data.at(0), '\0');
         QCOMPARE(data.at(1) & 0x0f, 0x08);
         const QString path = m_dir.filePath(QStringLiteral("line.tif"));
-        QVERIFY(writeRawG3(path, data, rows, true));
+        QVERIFY(writeRawG3(path, data, rows, true, k > 0));
         FaxDocument back;
         QString error;
         QVERIFY2(back.open(path, &error), qPrintable(error));
         QVERIFY(back.page(0).bits == doc.page(0).bits);
 
         // At normal resolution every other line goes.
-        QVERIFY(writeRawG3(path, doc.encodePage(0, false, minBytes), rows / 2, true));
+        QVERIFY(writeRawG3(path, doc.encodePage(0, false, minBytes, true, k > 0 ? 2 : 0, aligned), rows / 2, true,
+                           k > 0));
         QVERIFY(back.open(path, &error));
         for (int y = 0; y < rows / 2; ++y)
             QVERIFY(memcmp(back.page(0).row(y), doc.page(0).row(2 * y), FaxPageImage::kRowBytes) == 0);

@@ -81,6 +81,10 @@ public:
     void setLblCurrentClass(const QString &t) override { currentClass = t; }
     void setModemSetupButtonsEnabled(bool e) override { modemButtonsEnabled = e; }
     bool chkDetailModemLogging() const override { return detailLogging; }
+    osprel::ModemProfile modemProfile() const override { return profile; }
+    void setModemProfile(const osprel::ModemProfile &p) override { profile = p; }
+    osprel::SearchPolicy searchPolicy() const override { return search; }
+    void setSearchPolicy(const osprel::SearchPolicy &p) override { search = p; }
     // FormPort: TrayPort, PageSwitch, Notices and the window itself
     void setWindowImage(int i) override { image = i; }
     void setCaption(const QString &c) override { caption = c; }
@@ -111,6 +115,8 @@ public:
     QString faxDevice, initString, classCaptions[4], currentClass, testFaxName, testFaxNumber, testFaxMessage,
         panelMessage;
     int classOption = 0;
+    osprel::ModemProfile profile;
+    osprel::SearchPolicy search;
     bool advModemOpen = false, modemButtonsEnabled = false, detailLogging = false, faxListEnabled = true;
     osprel::LevelFrameValues frames[3];
     bool pageChanged[3] = {};

@@ -72,9 +72,14 @@ void AtChannel::receiveData(int timeoutMs)
     start(Mode::Data, AtResponse::Ok, timeoutMs);
 }
 
-void AtChannel::sendData(const QByteArray &data, const QByteArray &terminator, AtResponse expect, int timeoutMs)
+void AtChannel::sendData(const QByteArray &data, const QByteArray &terminator, AtResponse expect, int timeoutMs,
+                         bool xonXoff)
 {
     log("-->", describeData(data) + QStringLiteral(" ") + QString::fromLatin1(terminator.toHex(' ')));
+    if (xonXoff) {
+        m_xonXoff = true;
+        m_line->setXonXoff(true);
+    }
     m_line->write(dleStuff(data) + terminator);
     m_abortOnTimeout = false;
     m_echo.clear();
@@ -95,8 +100,17 @@ void AtChannel::waitForQuiet(int quietMs, int maxMs)
     m_quietTimer.start();
 }
 
+void AtChannel::endXonXoff()
+{
+    if (m_xonXoff) {
+        m_xonXoff = false;
+        m_line->setXonXoff(false);
+    }
+}
+
 void AtChannel::cancel()
 {
+    endXonXoff();
     m_timer.stop();
     m_quietTimer.stop();
     m_mode = Mode::Idle;
@@ -285,6 +299,7 @@ void AtChannel::onTimeout()
 
 void AtChannel::finish(AtResponse result)
 {
+    endXonXoff();
     m_timer.stop();
     m_quietTimer.stop();
     m_reply.result = result;

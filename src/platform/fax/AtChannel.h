@@ -27,8 +27,10 @@ public:
     // final result code (T.31: OK for a good frame check sequence, ERROR for a bad one).
     void receiveData(int timeoutMs);
     // After CONNECT of a transmission (+FTH, +FTM, +FDT): writes data with every DLE doubled, then terminator, then
-    // waits for expect or any final result code.
-    void sendData(const QByteArray &data, const QByteArray &terminator, AtResponse expect, int timeoutMs);
+    // waits for expect or any final result code. With xonXoff the modem's XOFF stops the data until its XON, for as
+    // long as the exchange lasts.
+    void sendData(const QByteArray &data, const QByteArray &terminator, AtResponse expect, int timeoutMs,
+                  bool xonXoff = false);
     // Waits for XON, by which an EIA-592 / T.32 modem says it is ready for page data after CONNECT.
     void waitForXon(int timeoutMs);
     // Discards whatever the modem says until it has been quiet for quietMs: ends with Nothing, or with Timeout when
@@ -60,6 +62,7 @@ private:
     void onTimeout();
     void finish(AtResponse result);
     void log(const char *direction, const QString &text);
+    void endXonXoff();
 
     SerialLine *m_line;
     QTimer m_timer;
@@ -70,6 +73,7 @@ private:
     QByteArray m_echo;
     bool m_abortOnTimeout = false;
     bool m_dataDle = false;
+    bool m_xonXoff = false;
     quint64 m_serial = 0;
     AtReply m_reply;
 };

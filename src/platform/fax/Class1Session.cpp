@@ -3,6 +3,8 @@
 #include "FaxCodes.h"
 #include "FaxDocument.h"
 
+#include <QTimer>
+
 namespace osprel {
 
 namespace {
@@ -12,6 +14,7 @@ constexpr int kFrameMs = 10000;     // one V.21 frame at 300 bit/s, long NSF fra
 constexpr int kMaxCommandTries = 3; // T.30: a command without response is repeated up to three times
 constexpr int kMaxPageRetries = 2;  // a page the remote asks for again (RTN) is sent at most this often more
 constexpr int kTcfMs = 1500;        // T.30: TCF is 1.5 s of zeros
+constexpr int kRelistenMs = 200;    // after +FRH failed at once
 
 // Time for a V.21 frame: a second of flags (T.30) and the octets at 300 bit/s, with room to spare.
 int frameMs(int octets)
@@ -22,12 +25,35 @@ int frameMs(int octets)
 
 const char *Class1Session::stateName(State s)
 {
-    static const char *const names[] = {
-        "Idle",          "Reset",           "SetClass",      "QueryModulations", "Dial",          "PhaseBConnect",
-        "PhaseBFrame",   "TsiConnect",      "TsiSent",       "DcsSent",          "TcfPause",      "TcfConnect",
-        "TcfSent",       "TrainingConnect", "TrainingFrame", "PagePause",        "PageConnect",   "PageSent",
-        "PostPagePause", "PostPageConnect", "PostPageSent",  "ResponseConnect",  "ResponseFrame", "DcnConnect",
-        "DcnSent",       "Hangup",          "Done"};
+    static const char *const names[] = {"Idle",
+                                        "Reset",
+                                        "FlowControl",
+                                        "SetClass",
+                                        "QueryModulations",
+                                        "Dial",
+                                        "PhaseBConnect",
+                                        "PhaseBFrame",
+                                        "TsiSilence",
+                                        "TsiConnect",
+                                        "TsiSent",
+                                        "DcsSent",
+                                        "TcfPause",
+                                        "TcfConnect",
+                                        "TcfSent",
+                                        "TrainingConnect",
+                                        "TrainingFrame",
+                                        "PagePause",
+                                        "PageConnect",
+                                        "PageSent",
+                                        "PostPagePause",
+                                        "PostPageConnect",
+                                        "PostPageSent",
+                                        "ResponseConnect",
+                                        "ResponseFrame",
+                                        "DcnConnect",
+                                        "DcnSent",
+                                        "Hangup",
+                                        "Done"};
     static_assert(sizeof names / sizeof names[0] == int(State::Done) + 1, "one name per state");
     return names[int(s)];
 }
@@ -38,7 +64,16 @@ Class1Session::Class1Session(SerialLine *line, FaxJob job, QObject *parent) : Fa
 
 void Class1Session::begin()
 {
-    enter(job().initString.trimmed().isEmpty() ? State::SetClass : State::Reset);
+    enter(job().initString.trimmed().isEmpty() ? State::FlowControl : State::Reset);
+}
+
+void Class1Session::pause(int delay, State next)
+{
+    if (delay <= 0) {
+        enter(next);
+        return;
+    }
+    at().atCmd("AT+FTS=" + QByteArray::number(delay), AtResponse::Ok, kCommandMs);
 }
 
 QString Class1Session::rateText() const
@@ -63,6 +98,9 @@ void Class1Session::enter(State s)
     case State::Reset:
         at().atCmd(job().initString.trimmed().toLatin1(), AtResponse::Ok, kCommandMs);
         return;
+    case State::FlowControl:
+        at().atCmd(job().profile.flowCommandFor(1), AtResponse::Ok, kCommandMs);
+        return;
     case State::SetClass:
         at().atCmd("AT+FCLASS=1", AtResponse::Ok, kCommandMs);
         return;
@@ -83,6 +121,13 @@ void Class1Session::enter(State s)
     case State::ResponseFrame:
         at().receiveData(kFrameMs);
         return;
+    case State::TsiSilence:
+        // T.30: our answer starts 75 ms +-20 ms after the received frame ends; +FRS waits for that silence.
+        if (job().profile.frsDelay <= 0)
+            enter(State::TsiConnect);
+        else
+            at().atCmd("AT+FRS=" + QByteArray::number(job().profile.frsDelay), AtResponse::Ok, kCommandMs);
+        return;
     case State::TsiConnect:
     case State::PostPageConnect:
     case State::DcnConnect:
@@ -92,28 +137,35 @@ void Class1Session::enter(State s)
         sendFrame(Fcf::TSI, T30Frame::encodeIdent(job().stationId), false, AtResponse::Connect);
         return;
     case State::DcsSent:
-        sendFrame(Fcf::DCS, T30Params::dcs(*m_mod, m_fine, m_minScanMs), true, AtResponse::Ok);
+        sendFrame(Fcf::DCS, T30Params::dcs(*m_mod, m_fine, m_minScanMs, m_twoD), true, AtResponse::Ok);
         return;
+    // T.30: 75 ms +-20 ms of silence between the frames and the high-speed signal. TCF follows DCS that closely; the
+    // round trip of +FTM adds to the pause before it, which is why that one is shorter by default.
     case State::TcfPause:
+        pause(job().profile.tcfDelay, State::TcfConnect);
+        return;
     case State::PagePause:
+        pause(job().profile.ftsDelay, State::PageConnect);
+        return;
     case State::PostPagePause:
-        // T.30: 75 ms +-20 ms of silence between the frames and the high-speed signal.
-        at().atCmd("AT+FTS=8", AtResponse::Ok, kCommandMs);
+        pause(job().profile.ftsDelay, State::PostPageConnect);
         return;
     case State::TcfConnect:
         at().atCmd("AT+FTM=" + QByteArray::number(m_mod->trainingCode), AtResponse::Connect, kCommandMs);
         return;
     case State::TcfSent: {
         const int octets = m_mod->bitRate * kTcfMs / 8000;
-        at().sendData(QByteArray(octets, '\0'), QByteArray("\x10\x03", 2), AtResponse::Ok, kTcfMs + 8000);
+        at().sendData(QByteArray(octets, '\0'), QByteArray("\x10\x03", 2), AtResponse::Ok, kTcfMs + 8000,
+                      job().profile.softwareFlow());
         return;
     }
     case State::PageConnect:
-        at().atCmd("AT+FTM=" + QByteArray::number(m_mod->pageCode), AtResponse::Connect, kCommandMs);
+        at().atCmd("AT+FTM=" + QByteArray::number(m_longTrain ? m_mod->trainingCode : m_mod->pageCode),
+                   AtResponse::Connect, kCommandMs);
         return;
     case State::PageSent: {
         const int ms = int(qint64(m_pageData.size()) * 8000 / m_mod->bitRate) + 15000;
-        at().sendData(m_pageData, QByteArray("\x10\x03", 2), AtResponse::Ok, ms);
+        at().sendData(m_pageData, QByteArray("\x10\x03", 2), AtResponse::Ok, ms, job().profile.softwareFlow());
         return;
     }
     case State::PostPageSent:
@@ -143,10 +195,16 @@ void Class1Session::onReply(const AtReply &r)
         return;
     case State::Reset:
         if (r.is(AtResponse::Ok))
-            enter(State::SetClass);
+            enter(State::FlowControl);
         else
             fail(r.is(AtResponse::Timeout) ? FaxError::NoResponse : FaxError::ModemError,
                  QStringLiteral("init string answered ") + QLatin1String(atResponseName(r.result)), false);
+        return;
+    case State::FlowControl:
+        // A modem that keeps its own flow control can still send; the log says so.
+        if (!r.is(AtResponse::Ok))
+            Q_EMIT notice(QString::fromLatin1(job().profile.flowCommandFor(1)) + QStringLiteral(" not accepted"));
+        enter(State::SetClass);
         return;
     case State::SetClass:
         if (r.is(AtResponse::Ok))
@@ -173,15 +231,26 @@ void Class1Session::onReply(const AtReply &r)
         }
         return;
     case State::PhaseBConnect:
-        if (r.is(AtResponse::Connect))
+        if (r.is(AtResponse::Connect)) {
             enter(State::PhaseBFrame);
-        else if (m_t1.elapsed() > kT1Ms)
+        } else if (m_t1.elapsed() > kT1Ms) {
             fail(FaxError::NoAnswerT1, QStringLiteral("no DIS from the called station"));
-        else
+        } else if (r.is(AtResponse::Timeout)) {
             enter(State::PhaseBConnect);
+        } else {
+            // An immediate ERROR or NO CARRIER (a carrier that is not V.21, noise): listen again a moment later
+            // rather than ask the modem thousands of times until T1.
+            QTimer::singleShot(kRelistenMs, this, [this] {
+                if (!isFinished() && m_state == State::PhaseBConnect)
+                    enter(State::PhaseBConnect);
+            });
+        }
         return;
     case State::PhaseBFrame:
         onPhaseBFrame(r);
+        return;
+    case State::TsiSilence:
+        enter(State::TsiConnect);
         return;
     case State::TsiConnect:
         if (r.is(AtResponse::Connect))
@@ -337,6 +406,7 @@ void Class1Session::afterDis()
     }
     const bool pageFine = pageCount() > 0 && job().document->page(0).fine;
     m_fine = pageFine && m_remote.fine;
+    m_twoD = m_remote.twoD;
     m_minScanMs = m_remote.minScanMsFor(m_fine);
     m_dcsTries = 0;
     retrain(false);
@@ -356,7 +426,7 @@ void Class1Session::retrain(bool fallBack)
         m_dcsTries = 0;
     }
     Q_EMIT status(FaxStatus::Training, QStringLiteral("Training at %1 bit/s").arg(m_mod->bitRate));
-    enter(State::TsiConnect);
+    enter(State::TsiSilence);
 }
 
 void Class1Session::onTrainingFrame(const AtReply &r)
@@ -372,8 +442,10 @@ void Class1Session::onTrainingFrame(const AtReply &r)
     Q_EMIT message(QStringLiteral("--- received ") + QLatin1String(T30Frame::fcfName(frame.fcf())));
     switch (frame.fcf()) {
     case Fcf::CFR:
-        if (!m_negotiated) {
+        // Reported again when a fall-back changed the rate: the log and the completion carry the one used.
+        if (!m_negotiated || m_negotiatedRate != m_mod->bitRate) {
             m_negotiated = true;
+            m_negotiatedRate = m_mod->bitRate;
             Q_EMIT negotiated(rateText(), m_fine ? QStringLiteral("Fine") : QStringLiteral("Normal"), m_remoteId);
         }
         startPage();
@@ -409,7 +481,10 @@ void Class1Session::onTrainingFrame(const AtReply &r)
 void Class1Session::startPage()
 {
     const int minBytes = T30Params::minBytesPerLine(m_mod->bitRate, m_minScanMs);
-    m_pageData = job().document->encodePage(m_page, m_fine, minBytes);
+    // T.4 4.2.1: K = 2 at standard resolution, 4 at fine. The receiver takes the bits as they come: no octet-aligned
+    // EOLs, so no fill beyond the minimum scan-line time.
+    m_pageData =
+        job().document->encodePage(m_page, m_fine, minBytes, true, m_twoD ? (m_fine ? 4 : 2) : 0, false);
     m_postTries = 0;
     Q_EMIT pageStarted(m_page + 1, pageCount());
     Q_EMIT status(FaxStatus::SendingPage, QStringLiteral("Sending page %1 of %2").arg(m_page + 1).arg(pageCount()));
@@ -468,6 +543,26 @@ void Class1Session::onResponseFrame(const AtReply &r)
             enter(State::PostPageConnect);
         else
             noPostPageResponse();
+        return;
+    case Fcf::CSI:
+    case Fcf::NSF:
+        // The called station is back in phase B: it lost the page (its carrier or training) and announces itself
+        // again; its DIS follows.
+        if (frame.fcf() == Fcf::CSI)
+            m_remoteId = T30Frame::decodeIdent(frame.info());
+        enter(State::ResponseConnect);
+        return;
+    case Fcf::DIS:
+        // T.30: DIS after the page means it was not received. Train again, one rate lower when there is one, and
+        // send it again.
+        if (++m_pageRetries > kMaxPageRetries) {
+            fail(FaxError::PageRejected, QStringLiteral("page %1 not received").arg(m_page + 1));
+            return;
+        }
+        m_remote = RemoteCapabilities::fromDis(frame.info());
+        m_longTrain = true; // the short training of V.17 is what a poor line loses first
+        Q_EMIT notice(QStringLiteral("Page %1 not received (DIS after the page), sending it again").arg(m_page + 1));
+        retrain(T30Params::choose(m_modemCodes, m_remote, m_mod->bitRate - 1) != nullptr);
         return;
     case Fcf::DCN:
         fail(FaxError::PhaseDError, QStringLiteral("the remote station disconnected"), false);

@@ -18,23 +18,25 @@ public:
     enum class State {
         Idle,
         Reset,            // the init string -> OK
+        FlowControl,      // AT+IFC (or the profile's command) -> OK
         SetClass,         // AT+FCLASS=1 -> OK
         QueryModulations, // AT+FTM=? -> carrier list, OK
         Dial,             // ATDT -> CONNECT (the answerer's V.21 flags)
         PhaseBConnect,    // AT+FRH=3 -> CONNECT (more phase B frames)
         PhaseBFrame,      // NSF / CSI / DIS -> OK
+        TsiSilence,       // AT+FRS=<n>: the called station's frame has ended -> OK
         TsiConnect,       // AT+FTH=3 -> CONNECT
         TsiSent,          // TSI -> CONNECT (a frame follows)
         DcsSent,          // DCS -> OK
-        TcfPause,         // AT+FTS=8 -> OK
+        TcfPause,         // AT+FTS=<n> (none by default) -> OK
         TcfConnect,       // AT+FTM=<training> -> CONNECT
         TcfSent,          // 1.5 s of zeros -> OK
         TrainingConnect,  // AT+FRH=3 -> CONNECT
         TrainingFrame,    // CFR / FTT -> OK
-        PagePause,        // AT+FTS=8 -> OK
+        PagePause,        // AT+FTS=<n> -> OK
         PageConnect,      // AT+FTM=<page> -> CONNECT
         PageSent,         // the coded page -> OK
-        PostPagePause,    // AT+FTS=8 -> OK
+        PostPagePause,    // AT+FTS=<n> -> OK
         PostPageConnect,  // AT+FTH=3 -> CONNECT
         PostPageSent,     // MPS / EOP -> OK
         ResponseConnect,  // AT+FRH=3 -> CONNECT
@@ -66,6 +68,8 @@ private:
     void fail(int code, const QString &detail, bool sendDcn = true);
     void sendFrame(quint8 fcf, const QByteArray &info, bool final, AtResponse expect);
     QString rateText() const;
+    // Sends AT+FTS=delay, or goes straight on to next when the delay is 0.
+    void pause(int delay, State next);
 
     State m_state = State::Idle;
     QList<int> m_modemCodes;
@@ -73,6 +77,8 @@ private:
     QString m_remoteId;
     const FaxModulation *m_mod = nullptr;
     bool m_fine = true;
+    bool m_twoD = false;      // T.4 MR coding, when the called station's DIS offers it
+    bool m_longTrain = false; // V.17 page data with long training, once a page was lost after the short one
     int m_minScanMs = 0;
     int m_page = 0;
     int m_dcsTries = 0;
@@ -80,6 +86,7 @@ private:
     int m_postTries = 0;
     int m_pageRetries = 0;
     bool m_negotiated = false;
+    int m_negotiatedRate = 0;
     QByteArray m_pageData;
     QElapsedTimer m_t1;
 };

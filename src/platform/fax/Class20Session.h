@@ -17,6 +17,7 @@ protected:
     QString className() const override { return QStringLiteral("Class 2.0"); }
     QByteArray pageTerminator(bool lastPage) const override;
     bool usesPostPageCommand() const override { return false; }
+    QByteArray reportCommand() const override;
 };
 
 } // namespace osprel

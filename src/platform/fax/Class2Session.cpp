@@ -50,8 +50,8 @@ int scanMsOf(int st, bool fine)
 
 const char *Class2Session::stateName(State s)
 {
-    static const char *const n[] = {"Idle",        "Reset",   "SetClass", "LocalId",  "Capabilities", "Dial",
-                                    "PageConnect", "PageXon", "PageSent", "PostPage", "Hangup",       "Done"};
+    static const char *const n[] = {"Idle",    "Reset",    "SetClass", "Setup",  "Dial", "PageConnect",
+                                    "PageXon", "PageSent", "PostPage", "Hangup", "Done"};
     static_assert(sizeof n / sizeof n[0] == int(State::Done) + 1, "one name per state");
     return n[int(s)];
 }
@@ -62,7 +62,7 @@ Class2Session::Class2Session(SerialLine *line, FaxJob job, QObject *parent) : Fa
 
 const Class2Session::Names &Class2Session::names() const
 {
-    static const Names n = {"2", "+FLID", "+FDIS", "+FCON", "+FCSI", "+FDCS", "+FHNG", "+FPTS"};
+    static const Names n = {"2", "+FLID", "+FDIS", "+FCON", "+FCSI", "+FDCS", "+FHNG", "+FPTS", "+FBOR"};
     return n;
 }
 
@@ -89,21 +89,9 @@ void Class2Session::enter(State s)
     case State::SetClass:
         at().atCmd(QByteArray("AT+FCLASS=") + names().cls, AtResponse::Ok, kCommandMs);
         return;
-    case State::LocalId: {
-        QByteArray id = job().stationId.trimmed().toLatin1().left(20);
-        id.replace('"', '\'');
-        at().atCmd(QByteArray("AT") + names().localId + "=\"" + id + '"', AtResponse::Ok, kCommandMs);
+    case State::Setup:
+        at().atCmd(m_setup.first(), AtResponse::Ok, kCommandMs);
         return;
-    }
-    case State::Capabilities: {
-        // VR fine as the pages are, BR 14400 (the modem keeps to what it has), 1728 pels, unlimited length, 1-D MH,
-        // no ECM, no file transfer, 0 ms scan time: the modem negotiates down from here (EIA-592 / T.32 session
-        // parameters).
-        const bool fine = pageCount() > 0 && job().document->page(0).fine;
-        at().atCmd(QByteArray("AT") + names().sessionCap + '=' + (fine ? '1' : '0') + ",5,0,2,0,0,0,0", AtResponse::Ok,
-                   kCommandMs);
-        return;
-    }
     case State::Dial:
         Q_EMIT status(FaxStatus::Dialing, QStringLiteral("Dialing ") + job().number);
         at().atCmd(dialCommand(), AtResponse::Ok, kDialMs, true);
@@ -119,7 +107,7 @@ void Class2Session::enter(State s)
     case State::PageSent: {
         const bool last = m_page + 1 >= pageCount();
         const int ms = int(qint64(m_pageData.size()) * 8000 / qMax(2400, m_bitRate)) + kPageStatusMs;
-        at().sendData(m_pageData, pageTerminator(last), AtResponse::Ok, ms);
+        at().sendData(m_pageData, pageTerminator(last), AtResponse::Ok, ms, job().profile.softwareFlow());
         return;
     }
     case State::PostPage:
@@ -132,6 +120,26 @@ void Class2Session::enter(State s)
         at().atCmd("ATH0", AtResponse::Ok, kCommandMs);
         return;
     }
+}
+
+QList<QByteArray> Class2Session::setupCommands() const
+{
+    const ModemProfile &profile = job().profile;
+    QList<QByteArray> commands{profile.flowCommandFor(2)};
+    if (!reportCommand().isEmpty())
+        commands << reportCommand();
+    commands << QByteArray("AT") + names().bitOrder + '=' + QByteArray::number(qBound(0, profile.bitOrder, 1));
+    QByteArray id = job().stationId.trimmed().toLatin1().left(20);
+    if (!id.isEmpty()) {
+        id.replace('"', '\'');
+        commands << QByteArray("AT") + names().localId + "=\"" + id + '"';
+    }
+    // VR fine as the pages are, BR 14400 (the modem keeps to what it has), 1728 pels, unlimited length, 1-D MH, no
+    // ECM, no file transfer, 0 ms scan time: the modem negotiates down from here (EIA-592 / T.32 session
+    // parameters).
+    const bool fine = pageCount() > 0 && job().document->page(0).fine;
+    commands << QByteArray("AT") + names().sessionCap + '=' + (fine ? '1' : '0') + ",5,0,2,0,0,0,0";
+    return commands;
 }
 
 void Class2Session::fail(int code, const QString &detail, bool hangUp)
@@ -178,19 +186,20 @@ void Class2Session::onReply(const AtReply &r)
                  false);
         return;
     case State::SetClass:
-        if (r.is(AtResponse::Ok))
-            enter(job().stationId.trimmed().isEmpty() ? State::Capabilities : State::LocalId);
-        else
+        if (r.is(AtResponse::Ok)) {
+            m_setup = setupCommands();
+            enter(State::Setup);
+        } else {
             fail(r.is(AtResponse::Timeout) ? FaxError::NoResponse : FaxError::ModemError,
                  QStringLiteral("the modem refuses ") + className(), false);
+        }
         return;
-    case State::LocalId:
-    case State::Capabilities:
-        // A modem that does not take our identification or parameters can still send the fax with its own.
+    case State::Setup:
+        // A modem that does not take one of these can still send the fax with its own setting.
         if (!r.is(AtResponse::Ok))
-            Q_EMIT notice(QString::fromLatin1(names().localId) + QStringLiteral(" / ") +
-                          QString::fromLatin1(names().sessionCap) + QStringLiteral(" not accepted"));
-        enter(m_state == State::LocalId ? State::Capabilities : State::Dial);
+            Q_EMIT notice(QString::fromLatin1(m_setup.first()) + QStringLiteral(" not accepted"));
+        m_setup.removeFirst();
+        enter(m_setup.isEmpty() ? State::Dial : State::Setup);
         return;
     case State::Dial:
         if (!r.is(AtResponse::Ok)) {
@@ -242,17 +251,27 @@ void Class2Session::onReply(const AtReply &r)
 
 void Class2Session::onSessionParameters(const AtReply &r)
 {
-    // VR, BR, WD, LN, DF, EC, BF, ST as the modem negotiated them.
-    const QList<int> v = values(r.line(names().session));
-    m_fine = v.size() > 0 && v.at(0) >= 0 ? v.at(0) != 0 : pageCount() > 0 && job().document->page(0).fine;
-    m_bitRate = bitRateOf(v.size() > 1 ? v.at(1) : 3);
-    m_minScanMs = scanMsOf(v.size() > 7 ? v.at(7) : 0, m_fine);
+    // VR, BR, WD, LN, DF, EC, BF, ST as the modem negotiated them. A modem that reports none (no +FNR) leaves them
+    // unknown: the page goes at its own resolution and the log says the speed is not known rather than guess it.
+    const QByteArray reported = r.line(names().session);
+    const QList<int> v = values(reported);
+    const bool pageFine = pageCount() > 0 && job().document->page(m_page).fine;
+    m_fine = !reported.isEmpty() && v.size() > 0 && v.at(0) >= 0 ? v.at(0) != 0 : pageFine;
+    m_bitRate = !reported.isEmpty() && v.size() > 1 ? bitRateOf(v.at(1)) : 0;
+    m_minScanMs = !reported.isEmpty() && v.size() > 7 ? scanMsOf(v.at(7), m_fine) : 0;
     if (!m_negotiated) {
         m_negotiated = true;
-        Q_EMIT negotiated(QString::number(m_bitRate), m_fine ? QStringLiteral("Fine") : QStringLiteral("Normal"),
-                          m_remoteId);
+        if (reported.isEmpty())
+            Q_EMIT notice(QStringLiteral("The modem reported no session parameters (") +
+                          QLatin1String(names().session) + QStringLiteral(")"));
+        Q_EMIT negotiated(m_bitRate > 0 ? QString::number(m_bitRate) : QStringLiteral("unknown"),
+                          m_fine ? QStringLiteral("Fine") : QStringLiteral("Normal"), m_remoteId);
     }
-    m_pageData = job().document->encodePage(m_page, m_fine, T30Params::minBytesPerLine(m_bitRate, m_minScanMs));
+    const ModemProfile &profile = job().profile;
+    m_pageData = job().document->encodePage(m_page, m_fine, T30Params::minBytesPerLine(m_bitRate, m_minScanMs),
+                                            !profile.modemAppendsRtc);
+    if (profile.bitOrder == 1)
+        m_pageData = FaxDocument::reverseBits(m_pageData);
 }
 
 void Class2Session::onPageStatus(const AtReply &r)

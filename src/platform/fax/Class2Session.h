@@ -13,16 +13,15 @@ public:
     // Each state is named after the reply it waits for.
     enum class State {
         Idle,
-        Reset,        // the init string -> OK
-        SetClass,     // +FCLASS -> OK
-        LocalId,      // +FLID / +FLI -> OK
-        Capabilities, // +FDIS / +FIS -> OK
-        Dial,         // ATD -> +FCON, +FCSI, +FDIS, OK
-        PageConnect,  // +FDT -> +FDCS, CONNECT
-        PageXon,      // XON: the modem is ready for the data
-        PageSent,     // data -> OK (Class 2.0: +FPS, OK)
-        PostPage,     // +FET -> +FPTS, OK (Class 2 only)
-        Hangup,       // ATH0 -> OK
+        Reset,       // the init string -> OK
+        SetClass,    // +FCLASS -> OK
+        Setup,       // flow control, +FNR, bit order, +FLID / +FLI, +FDIS / +FIS, one at a time -> OK
+        Dial,        // ATD -> +FCON, +FCSI, +FDIS, OK
+        PageConnect, // +FDT -> +FDCS, CONNECT
+        PageXon,     // XON: the modem is ready for the data
+        PageSent,    // data -> OK (Class 2.0: +FPS, OK)
+        PostPage,    // +FET -> +FPTS, OK (Class 2 only)
+        Hangup,      // ATH0 -> OK
         Done,
     };
     static const char *stateName(State s);
@@ -42,6 +41,7 @@ protected:
         const char *session;    // +FDCS / +FCS
         const char *hangup;     // +FHNG / +FHS
         const char *pageStatus; // +FPTS / +FPS
+        const char *bitOrder;   // +FBOR / +FBO
     };
     virtual const Names &names() const;
     virtual QString className() const { return QStringLiteral("Class 2"); }
@@ -49,6 +49,8 @@ protected:
     virtual QByteArray pageTerminator(bool lastPage) const;
     // Whether the page is closed by a separate +FET command (Class 2) or in the data itself (Class 2.0).
     virtual bool usesPostPageCommand() const { return true; }
+    // Class 2.0: the command that makes the modem report negotiated parameters and identifications (+FNR).
+    virtual QByteArray reportCommand() const { return QByteArray(); }
 
 protected:
     void begin() override;
@@ -61,6 +63,7 @@ private:
     void onSessionParameters(const AtReply &reply);
     void onPageStatus(const AtReply &reply);
     void fail(int code, const QString &detail, bool hangUp = true);
+    QList<QByteArray> setupCommands() const;
 
     State m_state = State::Idle;
     QString m_remoteId;
@@ -72,6 +75,7 @@ private:
     int m_page = 0;
     int m_pageRetries = 0;
     QByteArray m_pageData;
+    QList<QByteArray> m_setup; // the setup commands still to send; the first is in progress
 };
 
 } // namespace osprel

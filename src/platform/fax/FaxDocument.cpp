@@ -78,31 +78,58 @@ bool FaxDocument::open(const QString &path, QString *error)
     return true;
 }
 
-QByteArray FaxDocument::encodePage(int i, bool fine, int minBytesPerLine) const
+QByteArray FaxDocument::reverseBits(const QByteArray &data)
+{
+    QByteArray out(data.size(), '\0');
+    for (int i = 0; i < data.size(); ++i) {
+        uchar b = uchar(data.at(i)), r = 0;
+        for (int bit = 0; bit < 8; ++bit)
+            r = uchar(r | (((b >> bit) & 1) << (7 - bit)));
+        out[i] = char(r);
+    }
+    return out;
+}
+
+QByteArray FaxDocument::encodePage(int i, bool fine, int minBytesPerLine, bool rtc, int k, bool alignEol) const
 {
     const FaxPageImage &page = m_pages.at(i);
     const qint64 minBits = qint64(minBytesPerLine) * 8;
+    const int eolBits = MhEncoder::kEolBits + (k > 0 ? 1 : 0);
     BitWriter out(true);
-    out.put(MhEncoder::kEol, MhEncoder::kEolBits);
-    auto codeLine = [&](int y) {
+    // An EOL, and with 2-D coding its tag: 1 when a 1-D line follows (T.4 4.2.4).
+    auto eol = [&](bool oneD) {
+        out.put(MhEncoder::kEol, MhEncoder::kEolBits);
+        if (k > 0)
+            out.put(oneD ? 1 : 0, 1);
+    };
+    int coded = 0;
+    const uchar *reference = nullptr;
+    auto codeLine = [&](int y, bool last) {
         const qint64 start = out.bitCount();
-        MhEncoder::encodeRow(out, page.row(y), FaxPageImage::kWidth);
+        if (k > 0 && coded % k != 0)
+            MhEncoder::encodeRow2D(out, page.row(y), reference, FaxPageImage::kWidth);
+        else
+            MhEncoder::encodeRow(out, page.row(y), FaxPageImage::kWidth);
+        reference = page.row(y);
+        ++coded;
+        // Fill bits make the line last the minimum scan-line time (T.4 4.1.3) and, when asked, end the EOL on an
+        // octet.
         qint64 fill = 0;
-        while (out.bitCount() - start + fill + MhEncoder::kEolBits < minBits ||
-               (out.bitCount() + fill + MhEncoder::kEolBits) % 8 != 0)
+        while (out.bitCount() - start + fill + eolBits < minBits ||
+               (alignEol && (out.bitCount() + fill + MhEncoder::kEolBits) % 8 != 0))
             ++fill;
         out.zeros(int(fill));
-        out.put(MhEncoder::kEol, MhEncoder::kEolBits);
+        eol(last || k <= 0 || coded % k == 0);
     };
-    for (int y = 0; y < page.rows; ++y) {
-        if (page.fine && !fine && (y & 1))
-            continue; // 7.7 to 3.85 lines/mm: every other line
-        codeLine(y);
-        if (!page.fine && fine)
-            codeLine(y); // 3.85 to 7.7 lines/mm: each line twice
-    }
-    for (int k = 0; k < 5; ++k) // with the last line's EOL: RTC
-        out.put(MhEncoder::kEol, MhEncoder::kEolBits);
+    eol(true);
+    const int step = page.fine && !fine ? 2 : 1;   // 7.7 to 3.85 lines/mm: every other line
+    const int copies = !page.fine && fine ? 2 : 1; // 3.85 to 7.7 lines/mm: each line twice
+    for (int y = 0; y < page.rows; y += step)
+        for (int c = 0; c < copies; ++c)
+            codeLine(y, y + step >= page.rows && c + 1 == copies);
+    if (rtc)
+        for (int n = 0; n < 5; ++n) // with the last line's EOL: RTC, six EOLs (tagged 1 with 2-D coding)
+            eol(true);
     return out.take();
 }
 

@@ -3,11 +3,13 @@
 #include "Class1Session.h"
 #include "Class20Session.h"
 #include "Class2Session.h"
+#include "Clock.h"
 #include "ErrorReport.h"
 #include "FaxCodes.h"
 #include "FaxDocument.h"
+#include "FaxHeader.h"
 #include "FaxTextRenderer.h"
-#include "FaxTiffWriter.h"
+#include "GlyphCache.h"
 #include "QtSerialLine.h"
 
 #include <QFile>
@@ -86,8 +88,10 @@ void FaxEngine::startCall()
         return;
     }
     m_current.pageCount = m_document->pageCount();
+    stampHeaders();
 
     m_line = m_lineFactory(this);
+    m_line->setHardwareFlow(m_profile.flowControl == ModemProfile::RtsCts);
     if (!m_line->open(m_port, &error)) {
         complete(FaxError::DeviceError, m_port + QStringLiteral(": ") + error);
         return;
@@ -97,8 +101,9 @@ void FaxEngine::startCall()
 
     FaxJob job;
     job.number = m_number;
-    job.stationId = m_stationId;
+    job.stationId = FaxHeader::number(m_stationId);
     job.initString = m_initString;
+    job.profile = m_profile;
     job.document = m_document.get();
     switch (m_faxClass) {
     case Class1:
@@ -139,6 +144,21 @@ void FaxEngine::startCall()
     });
     connect(m_session, &FaxSession::finished, this, &FaxEngine::complete);
     m_session->start();
+}
+
+// Every page carries the date and time of sending, the station and "Page n of m" in its top band.
+void FaxEngine::stampHeaders()
+{
+    if (!qobject_cast<QGuiApplication *>(QCoreApplication::instance())) {
+        Q_EMIT Message(QStringLiteral("Fax engine: no header line without the GUI application's fonts"), true);
+        return;
+    }
+    if (!m_headerGlyphs)
+        m_headerGlyphs = std::make_unique<GlyphCache>(FaxHeader::kFontPixels);
+    const QDateTime sent = Clock::now();
+    const int count = m_document->pageCount();
+    for (int i = 0; i < count; ++i)
+        FaxHeader::stamp(m_document->page(i), FaxHeader::text(m_stationId, sent, i + 1, count), *m_headerGlyphs);
 }
 
 void FaxEngine::complete(int errorCode, const QString &detail)
@@ -216,7 +236,7 @@ bool FaxEngine::convertText(const QString &textPath, const QString &imagePath, Q
     QString text = QString::fromUtf8(bytes);
     if (text.contains(QChar::ReplacementCharacter))
         text = QString::fromLatin1(bytes);
-    return FaxTiffWriter::write(imagePath, FaxTextRenderer::render(FaxTextRenderer::splitLines(text)), error);
+    return FaxTextRenderer::write(imagePath, FaxTextRenderer::splitLines(text), error);
 }
 
 } // namespace osprel

@@ -3,6 +3,7 @@
 // port, progress reported as FaxEvent signals, and the conversion of a text page into a fax image.
 
 #include "FaxEvent.h"
+#include "ModemProfile.h"
 
 #include <QObject>
 #include <QPointer>
@@ -12,6 +13,7 @@
 namespace osprel {
 
 class FaxDocument;
+class GlyphCache;
 class FaxSession;
 class SerialLine;
 
@@ -33,12 +35,16 @@ public:
     int faxClass() const { return m_faxClass; }
     void setPort(const QString &p) { m_port = p; }
     QString port() const { return m_port; }
+    // The fax station as typed ("+1 555 0100 Osprel Lab"): its number goes out as TSI / +FLID, all of it in the
+    // header line on each page.
     void setStationId(const QString &id) { m_stationId = id; }
     QString stationId() const { return m_stationId; }
     void setNumber(const QString &n) { m_number = n; }
     QString number() const { return m_number; }
     void setFileToSend(const QString &f) { m_file = f; }
     QString fileToSend() const { return m_file; }
+    void setProfile(const ModemProfile &profile) { m_profile = profile; }
+    const ModemProfile &profile() const { return m_profile; }
     void setLineFactory(LineFactory factory);
 
     // 1 idle, 2 in a call (from send() until the completion), 3 finished while the completion is delivered, then
@@ -70,6 +76,7 @@ Q_SIGNALS:
 private:
     void begin();
     void startCall();
+    void stampHeaders();
     void complete(int errorCode, const QString &detail);
     void finishCall(int errorCode, const QString &detail, State after);
     void closeLine();
@@ -79,12 +86,14 @@ private:
     int m_faxClass = Class1;
     QString m_port, m_stationId, m_number, m_file;
     LineFactory m_lineFactory;
+    ModemProfile m_profile;
 
     int m_state = Idle;
     quint64 m_call = 0;
     SerialLine *m_line = nullptr;
     FaxSession *m_session = nullptr;
     std::unique_ptr<FaxDocument> m_document;
+    std::unique_ptr<GlyphCache> m_headerGlyphs;
     FaxEvent m_current; // the fields gathered during the call
 };
 

@@ -10,10 +10,32 @@
 
 namespace osprel {
 
+bool FaxFinder::isNotModem(const QString &port) const
+{
+    const QString device = QFileInfo(port).canonicalFilePath();
+    for (const QString &p : m_policy.notModems) {
+        const QString listed = p.trimmed();
+        if (listed.isEmpty())
+            continue;
+        if (listed == port || (!device.isEmpty() && QFileInfo(listed).canonicalFilePath() == device))
+            return true;
+    }
+    return false;
+}
+
 QStringList FaxFinder::candidates() const
 {
     QStringList ports;
-    if (m_systemPorts) {
+    auto add = [&](const QString &p) {
+        const QString port = p.trimmed();
+        if (!port.isEmpty() && !ports.contains(port) && !isNotModem(port))
+            ports << port;
+    };
+    for (const QString &p : m_policy.ports)
+        add(p);
+    for (const QString &p : m_extraPaths)
+        add(p);
+    if (m_policy.allSerialPorts && m_systemPorts) {
         QStringList names =
             QDir(QStringLiteral("/dev"))
                 .entryList({QStringLiteral("ttyS*"), QStringLiteral("ttyUSB*"), QStringLiteral("ttyACM*")},
@@ -22,11 +44,8 @@ QStringList FaxFinder::candidates() const
         numeric.setNumericMode(true);
         std::sort(names.begin(), names.end(), numeric);
         for (const QString &n : names)
-            ports << QStringLiteral("/dev/") + n;
+            add(QStringLiteral("/dev/") + n);
     }
-    for (const QString &p : m_extraPaths)
-        if (!p.trimmed().isEmpty() && !ports.contains(p.trimmed()))
-            ports << p.trimmed();
     return ports;
 }
 

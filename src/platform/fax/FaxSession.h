@@ -3,6 +3,7 @@
 // signals, the failure that ends the call); a driver per class runs the call itself.
 
 #include "AtChannel.h"
+#include "ModemProfile.h"
 
 #include <QObject>
 #include <QString>
@@ -17,6 +18,7 @@ struct FaxJob
     QString number;     // the dial string
     QString stationId;  // our identification (TSI, +FLID / +FLI)
     QString initString; // sent first, as the user configured it
+    ModemProfile profile;
     const FaxDocument *document = nullptr;
 };
 
@@ -62,6 +64,8 @@ protected:
     // Records why the call failed; the first failure wins, later ones only follow from it.
     void setFailure(int code, const QString &detail = QString());
     int failure() const { return m_error; }
+    // The call has ended or was abandoned: nothing more may be said to the modem.
+    bool isFinished() const { return m_finished; }
     // Ends the call with the recorded outcome (once).
     void finish();
 

@@ -1,18 +1,13 @@
 #include "FaxTextRenderer.h"
 
-#include <QFont>
-#include <QFontMetrics>
-#include <QPainter>
-#include <QRegularExpression>
+#include "FaxTiffWriter.h"
+#include "GlyphCache.h"
 
 namespace osprel {
 
 namespace {
 constexpr int kLeftMargin = 100; // about half an inch
-constexpr int kTopMargin = 98;
-constexpr int kLinePitch = 32; // 60 lines in 1920 rows
 constexpr int kFontPixels = 26;
-constexpr int kThreshold = 150; // grey below this is black: keeps thin strokes whole
 
 QString expandTabs(const QString &line)
 {
@@ -26,38 +21,10 @@ QString expandTabs(const QString &line)
     return out;
 }
 
-QImage renderPage(const QStringList &lines, int first)
+GlyphCache &pageGlyphs()
 {
-    QImage grey(FaxTextRenderer::kWidth, FaxTextRenderer::kRows, QImage::Format_Grayscale8);
-    grey.fill(Qt::white);
-    {
-        QPainter p(&grey);
-        QFont font(QStringLiteral("DejaVu Sans Mono"));
-        font.setStyleHint(QFont::TypeWriter);
-        font.setFixedPitch(true);
-        font.setPixelSize(kFontPixels);
-        p.setFont(font);
-        p.setPen(Qt::black);
-        const int ascent = QFontMetrics(font).ascent();
-        const int last = std::min<int>(int(lines.size()), first + FaxTextRenderer::kLinesPerPage);
-        for (int i = first; i < last; ++i)
-            p.drawText(kLeftMargin, kTopMargin + (i - first) * kLinePitch + ascent, lines.at(i));
-    }
-    QImage mono(FaxTextRenderer::kWidth, FaxTextRenderer::kRows, QImage::Format_Mono);
-    mono.setColor(0, qRgb(255, 255, 255));
-    mono.setColor(1, qRgb(0, 0, 0));
-    mono.fill(0);
-    for (int y = 0; y < grey.height(); ++y) {
-        const uchar *src = grey.constScanLine(y);
-        uchar *dst = mono.scanLine(y);
-        for (int x = 0; x < grey.width(); ++x)
-            if (src[x] < kThreshold)
-                dst[x >> 3] |= uchar(0x80 >> (x & 7));
-    }
-    // 204 x 196 dots per inch, in dots per metre.
-    mono.setDotsPerMeterX(8031);
-    mono.setDotsPerMeterY(7717);
-    return mono;
+    static GlyphCache glyphs(kFontPixels); // made on first use, once the GUI application exists
+    return glyphs;
 }
 } // namespace
 
@@ -73,12 +40,55 @@ QStringList FaxTextRenderer::splitLines(const QString &text)
     return lines;
 }
 
-QList<QImage> FaxTextRenderer::render(const QStringList &lines)
+int FaxTextRenderer::pageRows(int lines)
 {
-    QList<QImage> pages;
-    for (int first = 0; first < lines.size() || pages.isEmpty(); first += kLinesPerPage)
-        pages.append(renderPage(lines, first));
+    return qMin(kRows, kTopMargin + qBound(0, lines, kLinesPerPage) * kLinePitch + kBottomMargin);
+}
+
+QList<FaxPageImage> FaxTextRenderer::render(const QStringList &lines)
+{
+    GlyphCache &glyphs = pageGlyphs();
+    QList<FaxPageImage> pages;
+    for (int first = 0; first < lines.size() || pages.isEmpty(); first += kLinesPerPage) {
+        const int count = qMin<int>(kLinesPerPage, int(lines.size()) - first);
+        FaxPageImage page;
+        page.fine = true;
+        page.rows = pageRows(count);
+        page.bits = QByteArray(qsizetype(page.rows) * FaxPageImage::kRowBytes, '\0');
+        uchar *bits = reinterpret_cast<uchar *>(page.bits.data());
+        for (int i = 0; i < count; ++i)
+            glyphs.draw(bits, FaxPageImage::kRowBytes, page.rows, kLeftMargin, kTopMargin + i * kLinePitch,
+                        lines.at(first + i));
+        pages.append(page);
+    }
     return pages;
+}
+
+bool FaxTextRenderer::write(const QString &path, const QStringList &lines, QString *error)
+{
+    GlyphCache &glyphs = pageGlyphs();
+    const int total = int(lines.size());
+    const int pageCount = qMax(1, (total + kLinesPerPage - 1) / kLinesPerPage);
+    auto linesOn = [&](int n) { return qBound(0, total - n * kLinesPerPage, kLinesPerPage); };
+    static const QByteArray white(FaxPageImage::kRowBytes, '\0');
+    QByteArray band(kLinePitch * FaxPageImage::kRowBytes, '\0');
+    int bandPage = -1, bandLine = -1;
+    const auto row = [&](int n, int y) -> const uchar * {
+        const int offset = y - kTopMargin;
+        if (offset < 0 || offset >= linesOn(n) * kLinePitch)
+            return reinterpret_cast<const uchar *>(white.constData());
+        const int line = offset / kLinePitch;
+        if (n != bandPage || line != bandLine) {
+            band.fill('\0');
+            glyphs.draw(reinterpret_cast<uchar *>(band.data()), FaxPageImage::kRowBytes, kLinePitch, kLeftMargin, 0,
+                        lines.at(n * kLinesPerPage + line));
+            bandPage = n;
+            bandLine = line;
+        }
+        return reinterpret_cast<const uchar *>(band.constData()) + (offset % kLinePitch) * FaxPageImage::kRowBytes;
+    };
+    return FaxTiffWriter::write(
+        path, pageCount, true, [&](int n) { return pageRows(linesOn(n)); }, row, error);
 }
 
 } // namespace osprel

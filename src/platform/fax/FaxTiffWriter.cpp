@@ -1,35 +1,50 @@
 #include "FaxTiffWriter.h"
 
 #include <QFile>
+#include <cstring>
 #include <memory>
 #include <tiffio.h>
 #include <vector>
 
 namespace osprel {
 
-bool FaxTiffWriter::write(const QString &path, const QList<QImage> &pages, QString *error)
+bool FaxTiffWriter::write(const QString &path, const QList<FaxPageImage> &pages, QString *error)
+{
+    for (int n = 0; n < pages.size(); ++n) {
+        if (pages.at(n).rows <= 0 || pages.at(n).bits.size() < qsizetype(pages.at(n).rows) * FaxPageImage::kRowBytes) {
+            if (error)
+                *error = QStringLiteral("page %1 has no rows").arg(n + 1);
+            return false;
+        }
+    }
+    return write(
+        path, int(pages.size()), pages.isEmpty() || pages.first().fine, [&](int n) { return pages.at(n).rows; },
+        [&](int n, int y) { return pages.at(n).row(y); }, error);
+}
+
+bool FaxTiffWriter::write(const QString &path, int pageCount, bool fine, const std::function<int(int)> &rows,
+                          const std::function<const uchar *(int, int)> &row, QString *error)
 {
     auto fail = [&](const QString &why) {
         if (error)
             *error = why;
         return false;
     };
-    if (pages.isEmpty())
+    if (pageCount <= 0)
         return fail(QStringLiteral("no pages to write"));
     TIFF *tif = TIFFOpen(QFile::encodeName(path).constData(), "w");
     if (!tif)
         return fail(QStringLiteral("cannot create ") + path);
     std::unique_ptr<TIFF, void (*)(TIFF *)> closer(tif, TIFFClose);
-    const uint16_t total = uint16_t(pages.size());
-    for (int n = 0; n < pages.size(); ++n) {
-        const QImage &img = pages.at(n);
-        if (img.format() != QImage::Format_Mono || img.width() != 1728)
-            return fail(QStringLiteral("page %1 is not a 1728-pel bilevel image").arg(n + 1));
-        // Colour index 1 must be black for the bits to go out as they are (MinIsWhite: 1 = black).
-        const bool invert = qGray(img.color(1)) > qGray(img.color(0));
+    // libtiff takes a non-const row and leaves it as it was.
+    std::vector<uchar> buffer(FaxPageImage::kRowBytes);
+    for (int n = 0; n < pageCount; ++n) {
+        const int count = rows(n);
+        if (count <= 0)
+            return fail(QStringLiteral("page %1 has no rows").arg(n + 1));
         TIFFSetField(tif, TIFFTAG_SUBFILETYPE, FILETYPE_PAGE);
-        TIFFSetField(tif, TIFFTAG_IMAGEWIDTH, uint32_t(img.width()));
-        TIFFSetField(tif, TIFFTAG_IMAGELENGTH, uint32_t(img.height()));
+        TIFFSetField(tif, TIFFTAG_IMAGEWIDTH, uint32_t(FaxPageImage::kWidth));
+        TIFFSetField(tif, TIFFTAG_IMAGELENGTH, uint32_t(count));
         TIFFSetField(tif, TIFFTAG_BITSPERSAMPLE, uint16_t(1));
         TIFFSetField(tif, TIFFTAG_SAMPLESPERPIXEL, uint16_t(1));
         TIFFSetField(tif, TIFFTAG_COMPRESSION, COMPRESSION_CCITTFAX3);
@@ -40,17 +55,14 @@ bool FaxTiffWriter::write(const QString &path, const QList<QImage> &pages, QStri
         TIFFSetField(tif, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
         TIFFSetField(tif, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
         TIFFSetField(tif, TIFFTAG_XRESOLUTION, 204.0f);
-        TIFFSetField(tif, TIFFTAG_YRESOLUTION, 196.0f);
+        TIFFSetField(tif, TIFFTAG_YRESOLUTION, fine ? 196.0f : 98.0f);
         TIFFSetField(tif, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
-        TIFFSetField(tif, TIFFTAG_ROWSPERSTRIP, uint32_t(img.height()));
-        TIFFSetField(tif, TIFFTAG_PAGENUMBER, uint16_t(n), total);
+        TIFFSetField(tif, TIFFTAG_ROWSPERSTRIP, uint32_t(count));
+        TIFFSetField(tif, TIFFTAG_PAGENUMBER, uint16_t(n), uint16_t(pageCount));
         TIFFSetField(tif, TIFFTAG_SOFTWARE, "Osprel EmailFax");
-        std::vector<uchar> row(size_t(img.width() / 8));
-        for (int y = 0; y < img.height(); ++y) {
-            const uchar *src = img.constScanLine(y);
-            for (size_t i = 0; i < row.size(); ++i)
-                row[i] = invert ? uchar(~src[i]) : src[i];
-            if (TIFFWriteScanline(tif, row.data(), uint32_t(y), 0) < 0)
+        for (int y = 0; y < count; ++y) {
+            std::memcpy(buffer.data(), row(n, y), buffer.size());
+            if (TIFFWriteScanline(tif, buffer.data(), uint32_t(y), 0) < 0)
                 return fail(QStringLiteral("cannot write page %1 of ").arg(n + 1) + path);
         }
         if (!TIFFWriteDirectory(tif))

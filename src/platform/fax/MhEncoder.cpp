@@ -61,7 +61,73 @@ inline bool pel(const uchar *row, int x)
 {
     return row[x >> 3] & (0x80 >> (x & 7));
 }
+// The first pel at or after x whose colour is not colour, or width; whole octets of that colour are skipped at once
+// (most of a text page is white).
+int findOther(const uchar *row, int x, int width, bool colour)
+{
+    const uchar same = colour ? 0xff : 0x00;
+    while (x < width) {
+        if ((x & 7) == 0) {
+            while (x + 8 <= width && row[x >> 3] == same)
+                x += 8;
+            if (x >= width)
+                break;
+        }
+        if (pel(row, x) != colour)
+            return x;
+        ++x;
+    }
+    return width;
+}
+
+// The first changing element after position a (a pel whose colour differs from the one before it; the pel before
+// the line is white), or width when there is none. With colour >= 0 only elements that turn to that colour count.
+int nextChange(const uchar *row, int a, int width, int colour = -1)
+{
+    int x = a + 1;
+    bool before = x > 0 && x <= width && pel(row, x - 1);
+    while (x < width) {
+        x = findOther(row, x, width, before);
+        if (x >= width)
+            break;
+        before = !before;
+        if (colour < 0 || int(before) == colour)
+            return x;
+        ++x;
+    }
+    return width;
+}
 } // namespace
+
+void MhEncoder::encodeRow2D(BitWriter &out, const uchar *row, const uchar *ref, int width)
+{
+    // T.4 Table 4: the vertical mode code words for a1 - b1 = -3 .. 3.
+    static const Code kVertical[7] = {{0x02, 7}, {0x02, 6}, {0x02, 3}, {0x01, 1}, {0x03, 3}, {0x03, 6}, {0x03, 7}};
+    int a0 = -1;
+    bool black = false; // the colour of a0
+    while (a0 < width) {
+        const int a1 = nextChange(row, a0, width);
+        const int b1 = nextChange(ref, a0, width, black ? 0 : 1);
+        const int b2 = nextChange(ref, b1, width);
+        if (b2 < a1) { // pass mode: the reference line's run ends before the coding line changes
+            out.put(0x1, 4);
+            a0 = b2;
+            continue;
+        }
+        if (a1 - b1 >= -3 && a1 - b1 <= 3) {
+            const Code &v = kVertical[a1 - b1 + 3];
+            out.put(v.bits, v.len);
+            a0 = a1;
+            black = !black;
+            continue;
+        }
+        const int a2 = nextChange(row, a1, width);
+        out.put(0x1, 3); // horizontal mode: the two runs a0a1 and a1a2 in MH code words
+        putRun(out, a1 - qMax(a0, 0), black);
+        putRun(out, a2 - a1, !black);
+        a0 = a2;
+    }
+}
 
 void MhEncoder::encodeRow(BitWriter &out, const uchar *row, int width)
 {

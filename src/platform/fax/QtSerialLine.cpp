@@ -2,6 +2,7 @@
 
 #include <QDeadlineTimer>
 #include <QSerialPort>
+#include <termios.h>
 
 namespace osprel {
 
@@ -39,7 +40,7 @@ bool QtSerialLine::open(const QString &port, QString *error)
     m_port->setDataBits(QSerialPort::Data8);
     m_port->setParity(QSerialPort::NoParity);
     m_port->setStopBits(QSerialPort::OneStop);
-    m_port->setFlowControl(QSerialPort::HardwareControl);
+    m_port->setFlowControl(m_hardwareFlow ? QSerialPort::HardwareControl : QSerialPort::NoFlowControl);
     if (!m_port->open(QIODevice::ReadWrite)) {
         if (error)
             *error = m_port->errorString();
@@ -74,6 +75,25 @@ QByteArray QtSerialLine::readAll()
 bool QtSerialLine::waitForReadyRead(int msecs)
 {
     return m_port->isOpen() && m_port->waitForReadyRead(msecs);
+}
+
+// The kernel's own XON/XOFF (IXON) stops the port's output within a character of the modem's XOFF; done here in
+// the program it would come a buffer too late. Set directly: Qt's software flow control adds IXANY, with which any
+// byte from the modem would restart the output, and IXOFF, which the modem does not expect.
+void QtSerialLine::setXonXoff(bool on)
+{
+    if (!m_port->isOpen())
+        return;
+    const int fd = int(m_port->handle());
+    termios tio{};
+    if (::tcgetattr(fd, &tio) != 0)
+        return;
+    tio.c_iflag &= ~tcflag_t(IXANY | IXOFF);
+    if (on)
+        tio.c_iflag |= IXON;
+    else
+        tio.c_iflag &= ~tcflag_t(IXON);
+    ::tcsetattr(fd, TCSANOW, &tio);
 }
 
 void QtSerialLine::flush(int msecs)

@@ -21,9 +21,12 @@ public:
     QByteArray readAll() override;
     bool waitForReadyRead(int msecs) override;
     void flush(int msecs) override;
+    void setHardwareFlow(bool on) override { m_hardwareFlow = on; }
+    void setXonXoff(bool on) override;
 
 private:
     QSerialPort *m_port;
+    bool m_hardwareFlow = true;
 };
 
 } // namespace osprel

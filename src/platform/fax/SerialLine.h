@@ -22,6 +22,12 @@ public:
     virtual bool waitForReadyRead(int msecs) = 0;
     // Waits (bounded) until written data has left for the device; used before closing the line.
     virtual void flush(int msecs) = 0;
+    // RTS/CTS on the port from the next open (the default); off for modems wired without it.
+    virtual void setHardwareFlow(bool on) { Q_UNUSED(on) }
+    // XON/XOFF from the modem stops and restarts our output while on. Switched on only while page data goes out: a
+    // DC1 or DC3 in a modem's response must not be taken as flow control, and the XON that says "ready for data"
+    // must reach the driver.
+    virtual void setXonXoff(bool on) { Q_UNUSED(on) }
 
 Q_SIGNALS:
     void readyRead();

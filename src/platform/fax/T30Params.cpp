@@ -24,6 +24,7 @@ RemoteCapabilities RemoteCapabilities::fromDis(const QByteArray &info)
     c.v29 = b11;
     c.v17 = b11 && b12 && !b13 && b14;
     c.fine = bit(info, 15);
+    c.twoD = bit(info, 16);
     // Bits 21-23: minimum scan line time at 3.85 l/mm, and whether it halves at 7.7 l/mm.
     const int code = (bit(info, 21) ? 4 : 0) | (bit(info, 22) ? 2 : 0) | (bit(info, 23) ? 1 : 0);
     switch (code) {
@@ -65,14 +66,15 @@ int RemoteCapabilities::minScanMsFor(bool fineRes) const
 
 QString RemoteCapabilities::describe() const
 {
-    QString s = QStringLiteral("receive=%1 V.27ter=%2 V.29=%3 V.17=%4 fine=%5 scan=%6ms%7")
+    QString s = QStringLiteral("receive=%1 V.27ter=%2 V.29=%3 V.17=%4 fine=%5 2-D=%8 scan=%6ms%7")
                     .arg(int(canReceive))
                     .arg(int(v27))
                     .arg(int(v29))
                     .arg(int(v17))
                     .arg(int(fine))
                     .arg(minScanMs)
-                    .arg(halfAtFine ? QStringLiteral(" (half at fine)") : QString());
+                    .arg(halfAtFine ? QStringLiteral(" (half at fine)") : QString())
+                    .arg(int(twoD));
     return s;
 }
 
@@ -129,11 +131,11 @@ const FaxModulation *T30Params::choose(const QList<int> &modemCodes, const Remot
     return nullptr;
 }
 
-QByteArray T30Params::dcs(const FaxModulation &mod, bool fine, int minScanMs)
+QByteArray T30Params::dcs(const FaxModulation &mod, bool fine, int minScanMs, bool twoD)
 {
     QByteArray info(3, '\0');
-    // Octet 2: bit 10 "receive the document", bits 11-14 the modulation, bit 15 fine, bit 16 clear (1-D MH).
-    info[1] = char(0x02 | mod.dcsBits | (fine ? 0x40 : 0x00));
+    // Octet 2: bit 10 "receive the document", bits 11-14 the modulation, bit 15 fine, bit 16 2-D (MR) coding.
+    info[1] = char(0x02 | mod.dcsBits | (fine ? 0x40 : 0x00) | (twoD ? 0x80 : 0x00));
     // Octet 3: bits 17-18 00 = 215 mm (1728 pels), bits 19-20 00 = A4 length, bits 21-23 scan time, bit 24 clear.
     quint8 scan = 0x00; // 000 = 20 ms
     if (minScanMs <= 0)

@@ -24,6 +24,7 @@ struct RemoteCapabilities
     bool canReceive = false;                    // bit 10
     bool v27 = false, v29 = false, v17 = false; // V.27 ter at 4800 bit/s; 2400 bit/s is always offered
     bool fine = false;                          // bit 15: 7.7 lines/mm
+    bool twoD = false;                          // bit 16: two-dimensional coding (T.4 MR)
     int minScanMs = 20;                         // bits 21-23 at 3.85 lines/mm
     bool halfAtFine = false;                    // bits 21-23: T7.7 = 1/2 T3.85
 
@@ -44,8 +45,9 @@ public:
     // there is none.
     static const FaxModulation *choose(const QList<int> &modemCodes, const RemoteCapabilities &remote,
                                        int maxBitRate = 14400);
-    // DCS information field: receive, the modulation, resolution, 1-D coding, 215 mm width, A4 length, scan time.
-    static QByteArray dcs(const FaxModulation &mod, bool fine, int minScanMs);
+    // DCS information field: receive, the modulation, resolution, 1-D or 2-D coding, 215 mm width, A4 length, scan
+    // time.
+    static QByteArray dcs(const FaxModulation &mod, bool fine, int minScanMs, bool twoD = false);
     // Zero-filled bytes of the scan line time for a bit rate: every coded line lasts at least this long (T.4 4.1.2).
     static int minBytesPerLine(int bitRate, int minScanMs);
 };

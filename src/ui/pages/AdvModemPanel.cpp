@@ -1,16 +1,19 @@
 #include "AdvModemPanel.h"
 
 #include "ErrorReport.h"
+#include "ModemSettings.h"
 #include "OverlayHost.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QSpinBox>
 #include <QVBoxLayout>
 
 namespace osprel {
@@ -51,7 +54,68 @@ AdvModemPanel::AdvModemPanel(OverlayHost &host, QWidget *parent) : QFrame(parent
     ui.chkDetailModemLogging =
         named(new QCheckBox(tr("Log the modem dialogue"), this), QStringLiteral("chkDetailModemLogging"));
     form->addRow(ui.chkDetailModemLogging);
+
+    ui.cboFlowControl = named(new QComboBox(this), QStringLiteral("cboFlowControl"));
+    ui.cboFlowControl->addItems({tr("None"), tr("XON/XOFF"), tr("RTS/CTS (hardware)")});
+    ui.txtFlowCmd = named(new QLineEdit(this), QStringLiteral("txtFlowCmd"));
+    ui.txtFlowCmd->setPlaceholderText(tr("the class's own (AT+IFC / AT+FLO)"));
+    auto *flow = new QHBoxLayout;
+    flow->addWidget(ui.cboFlowControl);
+    flow->addWidget(ui.txtFlowCmd, 1);
+    form->addRow(tr("Flow control:"), flow);
+    ui.cboBitOrder = named(new QComboBox(this), QStringLiteral("cboBitOrder"));
+    ui.cboBitOrder->addItems({tr("Direct"), tr("Reversed")});
+    form->addRow(tr("Class 2 bit order:"), ui.cboBitOrder);
+    ui.chkReportParams = named(new QCheckBox(tr("Class 2.0: ask the modem to report the session (AT+FNR)"), this),
+                               QStringLiteral("chkReportParams"));
+    form->addRow(ui.chkReportParams);
+    ui.chkModemAppendsRtc = named(new QCheckBox(tr("Class 2 / 2.0: the modem ends each page itself (RTC)"), this),
+                                  QStringLiteral("chkModemAppendsRtc"));
+    form->addRow(ui.chkModemAppendsRtc);
+    auto delay = [this](const char *name) {
+        auto *box = named(new QSpinBox(this), QString::fromLatin1(name));
+        box->setRange(0, 255);
+        box->setSuffix(tr(" x 10 ms"));
+        return box;
+    };
+    auto *delays = new QHBoxLayout;
+    delays->addWidget(new QLabel(tr("+FRS"), this));
+    delays->addWidget(ui.spnFrsDelay = delay("spnFrsDelay"));
+    delays->addWidget(new QLabel(tr("+FTS"), this));
+    delays->addWidget(ui.spnFtsDelay = delay("spnFtsDelay"));
+    delays->addWidget(new QLabel(tr("before TCF"), this));
+    delays->addWidget(ui.spnTcfDelay = delay("spnTcfDelay"));
+    form->addRow(tr("Class 1 pauses:"), delays);
+
+    ui.txtSearchPorts = named(new QLineEdit(this), QStringLiteral("txtSearchPorts"));
+    ui.txtSearchPorts->setPlaceholderText(tr("/dev/ttyUSB0 /dev/ttyS1"));
+    form->addRow(tr("Modem ports:"), ui.txtSearchPorts);
+    ui.txtNotModemPorts = named(new QLineEdit(this), QStringLiteral("txtNotModemPorts"));
+    ui.txtNotModemPorts->setPlaceholderText(tr("chamber controllers and other devices"));
+    form->addRow(tr("Not a modem:"), ui.txtNotModemPorts);
+    ui.chkSearchAllPorts =
+        named(new QCheckBox(tr("Search all serial ports"), this), QStringLiteral("chkSearchAllPorts"));
+    const QString allPorts =
+        tr("Find Device also writes AT+FCLASS=? to every /dev/ttyS*, ttyUSB* and ttyACM* port that is not listed "
+           "as not a modem. A chamber controller on one of those ports receives that text.");
+    ui.chkSearchAllPorts->setToolTip(allPorts);
+    auto *allPortsNote = new QLabel(allPorts, this);
+    allPortsNote->setWordWrap(true);
+    form->addRow(ui.chkSearchAllPorts);
+    form->addRow(allPortsNote);
     layout->addLayout(form);
+
+    for (QComboBox *box : {ui.cboFlowControl, ui.cboBitOrder})
+        connect(box, &QComboBox::activated, this, &AdvModemPanel::settingsEdited);
+    for (QLineEdit *box : {ui.txtFlowCmd, ui.txtSearchPorts, ui.txtNotModemPorts})
+        connect(box, &QLineEdit::textEdited, this, &AdvModemPanel::settingsEdited);
+    for (QCheckBox *box : {ui.chkReportParams, ui.chkModemAppendsRtc, ui.chkSearchAllPorts})
+        connect(box, &QCheckBox::clicked, this, &AdvModemPanel::settingsEdited);
+    for (QSpinBox *box : {ui.spnFrsDelay, ui.spnFtsDelay, ui.spnTcfDelay})
+        connect(box, &QSpinBox::valueChanged, this, [this] {
+            if (isVisible())
+                Q_EMIT settingsEdited();
+        });
     auto *buttons = new QHBoxLayout;
     buttons->addWidget(ui.cmdTalkToMe = named(new QPushButton(tr("Speaker On"), this), QStringLiteral("cmdTalkToMe")));
     buttons->addStretch(1);
@@ -115,6 +179,48 @@ void AdvModemPanel::setModemSetupButtonsEnabled(bool enabled)
 bool AdvModemPanel::chkDetailModemLogging() const
 {
     return ui.chkDetailModemLogging->isChecked();
+}
+
+ModemProfile AdvModemPanel::modemProfile() const
+{
+    ModemProfile p;
+    p.flowControl = qMax(0, ui.cboFlowControl->currentIndex());
+    p.flowCommand = ui.txtFlowCmd->text().trimmed();
+    p.bitOrder = qMax(0, ui.cboBitOrder->currentIndex());
+    p.reportParameters = ui.chkReportParams->isChecked();
+    p.modemAppendsRtc = ui.chkModemAppendsRtc->isChecked();
+    p.frsDelay = ui.spnFrsDelay->value();
+    p.ftsDelay = ui.spnFtsDelay->value();
+    p.tcfDelay = ui.spnTcfDelay->value();
+    return p;
+}
+
+void AdvModemPanel::setModemProfile(const ModemProfile &p)
+{
+    ui.cboFlowControl->setCurrentIndex(qBound(0, p.flowControl, 2));
+    ui.txtFlowCmd->setText(p.flowCommand);
+    ui.cboBitOrder->setCurrentIndex(qBound(0, p.bitOrder, 1));
+    ui.chkReportParams->setChecked(p.reportParameters);
+    ui.chkModemAppendsRtc->setChecked(p.modemAppendsRtc);
+    ui.spnFrsDelay->setValue(p.frsDelay);
+    ui.spnFtsDelay->setValue(p.ftsDelay);
+    ui.spnTcfDelay->setValue(p.tcfDelay);
+}
+
+SearchPolicy AdvModemPanel::searchPolicy() const
+{
+    SearchPolicy p;
+    p.ports = ModemSettings::splitPorts(ui.txtSearchPorts->text());
+    p.notModems = ModemSettings::splitPorts(ui.txtNotModemPorts->text());
+    p.allSerialPorts = ui.chkSearchAllPorts->isChecked();
+    return p;
+}
+
+void AdvModemPanel::setSearchPolicy(const SearchPolicy &p)
+{
+    ui.txtSearchPorts->setText(ModemSettings::joinPorts(p.ports));
+    ui.txtNotModemPorts->setText(ModemSettings::joinPorts(p.notModems));
+    ui.chkSearchAllPorts->setChecked(p.allSerialPorts);
 }
 
 } // namespace osprel

@@ -7,6 +7,8 @@
 
 class QButtonGroup;
 class QCheckBox;
+class QComboBox;
+class QSpinBox;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -32,6 +34,10 @@ public:
     void setLblCurrentClass(const QString &text) override;
     void setModemSetupButtonsEnabled(bool enabled) override;
     bool chkDetailModemLogging() const override;
+    ModemProfile modemProfile() const override;
+    void setModemProfile(const ModemProfile &profile) override;
+    SearchPolicy searchPolicy() const override;
+    void setSearchPolicy(const SearchPolicy &policy) override;
 
     // The page's controls, by the names the system knows them by.
     struct Controls
@@ -42,7 +48,19 @@ public:
         QLabel *lblCurrentClass;
         QCheckBox *chkDetailModemLogging;
         QPushButton *cmdDefaultInitStr, *cmdTalkToMe, *cmdAcceptModemSetup, *cmdCancelModemSetup;
+        // The modem profile.
+        QComboBox *cboFlowControl, *cboBitOrder;
+        QLineEdit *txtFlowCmd;
+        QCheckBox *chkReportParams, *chkModemAppendsRtc;
+        QSpinBox *spnFrsDelay, *spnFtsDelay, *spnTcfDelay;
+        // The device search.
+        QLineEdit *txtSearchPorts, *txtNotModemPorts;
+        QCheckBox *chkSearchAllPorts;
     } ui;
+
+Q_SIGNALS:
+    // A profile or search setting was edited by the user.
+    void settingsEdited();
 
 private:
     OverlayHost &m_host;

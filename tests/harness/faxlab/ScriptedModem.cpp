@@ -3,6 +3,7 @@
 #include "Pty.h"
 
 #include <atomic>
+#include <chrono>
 #include <mutex>
 #include <poll.h>
 #include <thread>
@@ -11,8 +12,14 @@
 namespace osprel::faxlab {
 
 namespace {
-constexpr char kDle = 0x10, kEtx = 0x03;
-}
+constexpr char kDle = 0x10, kEtx = 0x03, kXon = 0x11, kXoff = 0x13;
+using Clock = std::chrono::steady_clock;
+// After XOFF: how long the modem waits before taking what was already on the wire, and how long it then stays
+// deaf before XON. A host that honours XOFF sends nothing in the second span.
+constexpr auto kXoffSettle = std::chrono::milliseconds(50);
+constexpr auto kXoffDeaf = std::chrono::milliseconds(50);
+constexpr int kInFlightMax = 16384;
+} // namespace
 
 struct ScriptedModem::Impl
 {
@@ -29,6 +36,10 @@ struct ScriptedModem::Impl
     bool inData = false, dataDle = false;
     QByteArray page;
     int pagesLeftHint = 0;
+    int fnr[4] = {0, 0, 0, 0}; // +FNR: receiver parameters, session parameters, identification, NSF
+    enum class Flow { On, Settle, Deaf } flow = Flow::On;
+    Clock::time_point flowUntil;
+    int sinceXon = 0;
 
     bool class20() const { return mode == "2.0"; }
 
@@ -72,6 +83,11 @@ struct ScriptedModem::Impl
             } else {
                 respond("ERROR");
             }
+        } else if (cmd.startsWith("AT+FNR=")) {
+            const QList<QByteArray> v = cmd.mid(7).split(',');
+            for (int i = 0; i < 4; ++i)
+                fnr[i] = i < v.size() ? v.at(i).toInt() : 0;
+            respond("OK");
         } else if (cmd.startsWith("AT+FLID=") || cmd.startsWith("AT+FLI=")) {
             const int a = raw.indexOf('"'), b = raw.lastIndexOf('"');
             std::lock_guard<std::mutex> lock(mutex);
@@ -83,24 +99,28 @@ struct ScriptedModem::Impl
                 return;
             }
             respond(class20() ? "+FCO" : "+FCON");
-            respond((class20() ? "+FCI:\"" : "+FCSI:\"") + opt.remoteId.toLatin1() + "\"");
+            if (reports(2))
+                respond((class20() ? "+FCI:\"" : "+FCSI:\"") + opt.remoteId.toLatin1() + "\"");
             if (opt.hangupAt == HangupAt::Dial) {
                 hangup("OK");
                 return;
             }
-            respond((class20() ? "+FIS:" : "+FDIS:") + QByteArray("1,5,0,2,0,0,0,0"));
+            if (reports(0))
+                respond((class20() ? "+FIS:" : "+FDIS:") + QByteArray("1,5,0,2,0,0,0,0"));
             respond("OK");
         } else if (cmd == "AT+FDT") {
             if (opt.hangupAt == HangupAt::PageStart) {
                 hangup("ERROR");
                 return;
             }
-            respond((class20() ? "+FCS:" : "+FDCS:") + QByteArray("1,5,0,2,0,0,0,0"));
+            if (reports(1))
+                respond((class20() ? "+FCS:" : "+FDCS:") + opt.session);
             respond("CONNECT");
             if (opt.sendXon)
                 send(QByteArray(1, 0x11));
             inData = true;
             dataDle = false;
+            sinceXon = 0;
             page.clear();
         } else if (cmd.startsWith("AT+FET=")) {
             const bool last = cmd.endsWith('2');
@@ -117,6 +137,8 @@ struct ScriptedModem::Impl
         }
     }
 
+    bool reports(int what) const { return !class20() || !opt.reportsOnlyAfterFnr || fnr[what] != 0; }
+
     void endPage(char terminator)
     {
         {
@@ -125,6 +147,12 @@ struct ScriptedModem::Impl
             result.pageEnds << QByteArray(1, kDle) + terminator;
         }
         inData = false;
+        sinceXon = 0;
+        if (flow != Flow::On) {
+            // The page is complete: whatever held the data back is over.
+            flow = Flow::On;
+            send(QByteArray(1, kXon));
+        }
         if (!class20()) {
             respond("OK");
             return;
@@ -155,6 +183,13 @@ struct ScriptedModem::Impl
                 } else {
                     page += c;
                 }
+                if (inData && opt.xoffAfter > 0 && flow == Flow::On && ++sinceXon >= opt.xoffAfter) {
+                    send(QByteArray(1, kXoff));
+                    flow = Flow::Settle;
+                    flowUntil = Clock::now() + kXoffSettle;
+                    std::lock_guard<std::mutex> lock(mutex);
+                    ++result.xoffs;
+                }
                 continue;
             }
             if (c == '\r') {
@@ -167,10 +202,48 @@ struct ScriptedModem::Impl
         }
     }
 
+    // XOFF sent: wait, take what was on the wire, then lose whatever the host still sends until XON.
+    void flowControl(char *buf, size_t size)
+    {
+        if (Clock::now() < flowUntil) {
+            if (flow == Flow::Deaf) {
+                pollfd p{pty.masterFd(), POLLIN, 0};
+                if (::poll(&p, 1, 5) > 0) {
+                    const ssize_t n = ::read(pty.masterFd(), buf, size);
+                    std::lock_guard<std::mutex> lock(mutex);
+                    result.dropped += int(qMax<ssize_t>(0, n));
+                }
+            } else {
+                ::usleep(2000);
+            }
+            return;
+        }
+        if (flow == Flow::Settle) {
+            int taken = 0;
+            ssize_t n;
+            while (taken < kInFlightMax && (n = ::read(pty.masterFd(), buf, size)) > 0) {
+                input(buf, int(n));
+                taken += int(n);
+            }
+            if (flow == Flow::Settle) { // the page did not end with what was on the wire
+                flow = Flow::Deaf;
+                flowUntil = Clock::now() + kXoffDeaf;
+            }
+            return;
+        }
+        flow = Flow::On;
+        sinceXon = 0;
+        send(QByteArray(1, kXon));
+    }
+
     void run()
     {
         char buf[4096];
         while (running) {
+            if (flow != Flow::On) {
+                flowControl(buf, sizeof buf);
+                continue;
+            }
             pollfd p{pty.masterFd(), POLLIN, 0};
             if (::poll(&p, 1, 20) <= 0)
                 continue;
@@ -222,19 +295,26 @@ ScriptedModem::Result ScriptedModem::result() const
 
 int ScriptedModem::countLines(const QByteArray &t4)
 {
-    int eols = 0, zeros = 0;
+    // A coded line always holds a 1 bit before its EOL (every MH code word has one); the first EOL and the extra
+    // EOLs of RTC follow nothing but fill.
+    int lines = 0, zeros = 0;
+    bool coded = false;
     for (char byte : t4) {
         for (int bit = 0; bit < 8; ++bit) {
             if (uchar(byte) & (1 << bit)) {
-                if (zeros >= 11)
-                    ++eols;
+                if (zeros >= 11) {
+                    lines += coded ? 1 : 0;
+                    coded = false;
+                } else {
+                    coded = true;
+                }
                 zeros = 0;
             } else {
                 ++zeros;
             }
         }
     }
-    return eols - 6;
+    return lines;
 }
 
 } // namespace osprel::faxlab

@@ -24,6 +24,12 @@ public:
         HangupAt hangupAt = HangupAt::Never;
         int hangupCode = 0;
         bool sendXon = true;
+        QByteArray session = "1,5,0,2,0,0,0,0"; // what +FCS / +FDCS reports as negotiated
+        // Like T.32 modems: +FIS, +FCS and +FCI are reported only once AT+FNR has asked for them.
+        bool reportsOnlyAfterFnr = false;
+        // Like a modem with a small buffer on XON/XOFF: after this many page bytes it sends XOFF, takes what was
+        // already on the wire, drops whatever else comes until it sends XON again. 0: never.
+        int xoffAfter = 0;
     };
 
     struct Result
@@ -32,6 +38,8 @@ public:
         QString localId;            // from +FLID / +FLI
         QList<QByteArray> pages;    // page data, DLE-unstuffed
         QList<QByteArray> pageEnds; // the in-band terminator of each page ("\x10\x03", "\x10,", "\x10.")
+        int xoffs = 0;              // XOFFs sent
+        int dropped = 0;            // bytes that came while the modem had said XOFF, lost as on a real modem
     };
 
     explicit ScriptedModem(Options options);
@@ -41,7 +49,7 @@ public:
     const QString &linkPath() const;
     Result result() const;
 
-    // Scan lines in T.4 data whose first bit is the lowest bit of each octet: the EOLs less the six of RTC.
+    // Scan lines in T.4 MH data whose first bit is the lowest bit of each octet, with or without RTC at the end.
     static int countLines(const QByteArray &t4);
 
 private:

@@ -3,6 +3,7 @@
 #include "Pty.h"
 
 #include <QFile>
+#include <algorithm>
 #include <chrono>
 #include <cstring>
 #include <poll.h>
@@ -60,6 +61,9 @@ struct SoftModem::Impl
     int64_t answerAt = -1;
     bool hangupPending = false;
 
+    awgn_state_t *noise = nullptr;
+    int noisyLeft = 0;  // high-speed transmissions still to be disturbed
+    bool noisy = false; // one is going out now
     bool fast = false;
     Clock::time_point wallRef;
     int64_t samplesRef = 0;
@@ -165,6 +169,7 @@ struct SoftModem::Impl
             outLine.clear();
             if (line == "CONNECT") {
                 if (lastCmd.startsWith("AT+FTM")) {
+                    noisy = noise && noisyLeft > 0;
                     txPhase = true;
                     txPhaseStart = Clock::now();
                     hostWaiting = false;
@@ -176,6 +181,10 @@ struct SoftModem::Impl
                        line == "NO ANSWER" || line == "NO DIALTONE" || line == "+FCERROR") {
                 hostWaiting = false;
                 txPhase = false;
+                if (noisy) {
+                    noisy = false;
+                    --noisyLeft;
+                }
             }
         }
     }
@@ -202,7 +211,14 @@ struct SoftModem::Impl
         const QByteArray id = opt.answerId.toLatin1();
         t30_set_rx_file(t30, tiff.constData(), -1);
         t30_set_tx_ident(t30, id.constData());
-        t30_set_supported_modems(t30, T30_SUPPORT_V27TER | T30_SUPPORT_V29 | T30_SUPPORT_V17);
+        t30_set_supported_modems(t30, opt.receiverModems ? opt.receiverModems
+                                                         : T30_SUPPORT_V27TER | T30_SUPPORT_V29 | T30_SUPPORT_V17);
+        if (opt.receiverResolutions)
+            t30_set_supported_resolutions(t30, opt.receiverResolutions);
+        if (opt.receiverCompressions)
+            t30_set_supported_compressions(t30, opt.receiverCompressions);
+        if (opt.minScanLineMs)
+            t30_set_minimum_scan_line_time(t30, opt.minScanLineMs);
         t30_set_ecm_capability(t30, FALSE);
         t30_set_phase_e_handler(t30, &Impl::phaseE, this);
         fax_set_transmit_on_idle(fax, TRUE);
@@ -232,6 +248,9 @@ struct SoftModem::Impl
         int n = t31_tx(t31, toFar, kBlock);
         if (n < kBlock)
             std::memset(toFar + n, 0, sizeof(int16_t) * size_t(kBlock - n));
+        if (noisy)
+            for (int16_t &sample : toFar)
+                sample = int16_t(std::clamp(int(sample) + int(awgn(noise)), -32768, 32767));
         if (fax) {
             fax_rx(fax, toFar, kBlock);
             n = fax_tx(fax, fromFar, kBlock);
@@ -333,6 +352,10 @@ bool SoftModem::start(QString *error)
             *error = QStringLiteral("t31_init failed");
         return false;
     }
+    if (d->opt.noiseDbm0 != 0 && d->opt.noisyTrainings > 0) {
+        d->noise = awgn_init_dbm0(nullptr, 1234567, d->opt.noiseDbm0);
+        d->noisyLeft = d->opt.noisyTrainings;
+    }
     if (d->opt.log)
         span_log_set_level(t31_get_logging_state(d->t31),
                            SPAN_LOG_SHOW_SEVERITY | SPAN_LOG_SHOW_PROTOCOL | SPAN_LOG_FLOW);
@@ -350,6 +373,10 @@ void SoftModem::stop()
     if (d->t31) {
         t31_free(d->t31);
         d->t31 = nullptr;
+    }
+    if (d->noise) {
+        awgn_free(d->noise);
+        d->noise = nullptr;
     }
     d->pty.close();
 }

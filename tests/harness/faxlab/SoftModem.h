@@ -25,6 +25,17 @@ public:
         double speedUp = 20;                            // sample clock factor while the host waits on the modem
         double pageHoldSeconds = 1.2; // real time before a page's end may be reported (efax divides by it)
         bool log = false;             // spandsp's own protocol log on stderr
+        // A demanding receiver: what it offers in DIS (0 keeps spandsp's defaults). Modems as T30_SUPPORT_V27TER |
+        // V29 | V17, resolutions as T30_SUPPORT_STANDARD_RESOLUTION | FINE_RESOLUTION ..., compressions as
+        // T30_SUPPORT_T4_1D_COMPRESSION | T4_2D_COMPRESSION, and the minimum scan-line time it asks for in ms.
+        int receiverModems = 0;
+        int receiverResolutions = 0;
+        int receiverCompressions = 0;
+        int minScanLineMs = 0;
+        // A noisy line: white noise at this level (dBm0; fax signals leave the modem at about -14) from the sender to
+        // the receiver while the first noisyTrainings high-speed transmissions (+FTM) go out. 0: a clean line.
+        float noiseDbm0 = 0;
+        int noisyTrainings = 0;
     };
 
     struct Result
