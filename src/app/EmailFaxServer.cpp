@@ -36,14 +36,18 @@ EmailFaxServer::EmailFaxServer(Log &log, FormLists &lists, const Ports &ports, Q
       m_recipients(m_lists, m_database, ports.recipientsPage, ports.contactEditor, ports.form, ports.form),
       m_prioritySetup(m_priorities, m_alarms, m_lists, m_timers, ports.alarmSetup, ports.priorityPage),
       m_commSetup(m_database, ports.commSetup), m_mailSetup(m_database, ports.email, ports.form, m_secrets),
-      m_supervision(m_lists, m_timers, ports.commSetup, m_link), m_fallback(m_lists, m_timers, ports.commSetup)
+      m_supervision(m_lists, m_timers, ports.commSetup, m_link), m_fallback(m_lists, m_timers, ports.commSetup),
+      m_proofOfLife(m_database, m_lists, m_timers, ports.commSetup)
 {
     m_sendStatus.setFinalFailureHandler([this](int via, const QStringList &row) {
+        // The job row: its chamber (or report title) in column 2, its category in column 5.
+        m_proofOfLife.failedForGood(via == 1 ? 0 : 1, row.value(2) + u' ' + row.value(5));
         if (via == 1) // e-mail
             m_fallback.emailFailedForGood(row);
         else
             m_fallback.faxFailedForGood(row);
     });
+    m_sendStatus.setDeliveredHandler([this](int via) { m_proofOfLife.delivered(via == 1 ? 0 : 1); });
     FaxDevice::configureFinder(m_faxFinder);
     m_sendStatus.setFaxLine(&m_faxQueue);
     connect(&m_faxQueue, &FaxQueue::sendingStarted, this, [this] { m_sendStatus.noteFaxReason(QString()); });
@@ -87,6 +91,7 @@ void EmailFaxServer::Form_Load()
         DBInit(m_database, m_lists, m_ports.commSetup);
         m_mailSetup.load();
         resumeQueues();
+        m_proofOfLife.load();
         m_priorities.DBInitAlarmCatSetup();
         m_priorities.DBInitAlarmPriSetup();
         m_alarms.InitLables();
@@ -159,6 +164,7 @@ bool EmailFaxServer::takeAlert(const QString &text)
         incoming.remove(row); // what cannot be kept is refused, not held in memory
         return false;
     }
+    m_proofOfLife.alertAccepted();
     return true;
 }
 

@@ -19,6 +19,7 @@
 #include "MailSetup.h"
 #include "Ports.h"
 #include "PrioritySetup.h"
+#include "ProofOfLife.h"
 #include "PriorityStore.h"
 #include "QueueJournal.h"
 #include "Recipients.h"
@@ -80,6 +81,7 @@ public:
     bool queuesBusy() const override;
     QueueJournal &journal() { return m_journal; }
     Supervision &supervision() { return m_supervision; }
+    ProofOfLife &proofOfLife() { return m_proofOfLife; }
     void setCategoryCaption(int index, const QString &caption) override;
 
     void Form_Load();
@@ -131,6 +133,7 @@ private:
     MailSetup m_mailSetup;
     Supervision m_supervision;
     Fallback m_fallback;
+    ProofOfLife m_proofOfLife;
     bool m_loading = false;
     bool m_unloaded = false;
     QElapsedTimer m_draining; // running while a stop waits for a message on its way

@@ -1,5 +1,7 @@
 #include "ErrorReport.h"
 
+#include "Conversions.h"
+
 #include <cstdio>
 
 namespace osprel {
@@ -23,9 +25,23 @@ QString errorReportText(int number, const QString &description, const QString &p
            QStringLiteral(" (") + procedure + QStringLiteral(")") + context;
 }
 
+namespace {
+QString &lastReport()
+{
+    static QString text;
+    return text;
+}
+} // namespace
+
+QString lastErrorReport()
+{
+    return lastReport();
+}
+
 void reportError(int number, const QString &description, const QString &procedure, const QString &context)
 {
     const QString text = errorReportText(number, description, procedure, context);
+    lastReport() = GetDateTimeStamp() + QStringLiteral("  ") + text;
     if (sink())
         sink()(text);
     else

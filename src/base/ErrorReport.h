@@ -18,6 +18,8 @@ void setErrorSink(ErrorSink sink);
 QString errorReportText(int number, const QString &description, const QString &procedure,
                         const QString &context = QString());
 void reportError(int number, const QString &description, const QString &procedure, const QString &context = QString());
+// The last report with its date and time, for the daily status; empty when there was none.
+QString lastErrorReport();
 
 // Runs body; on a run-time error reports it under procedure (plus context) and returns false.
 // Nothing thrown ever leaves a guarded procedure.

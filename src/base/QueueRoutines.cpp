@@ -21,10 +21,12 @@ UnreachedSink &unreachedSink()
 // Why a message went nowhere, for the log and the status line.
 QString unreachedText(const SendSwitches &switches, const FormLists &lists, const SendJob &job)
 {
-    const QString email = !switches.chkEnableEmail()         ? QStringLiteral("e-mail is switched off")
+    const QString email = !job.byEmail                      ? QStringLiteral("not for e-mail")
+                          : !switches.chkEnableEmail()         ? QStringLiteral("e-mail is switched off")
                           : lists.lvwEmailContacts.isEmpty() ? QStringLiteral("no e-mail recipients")
                                                              : QString();
-    const QString fax = !switches.chkEnableFax()         ? QStringLiteral("fax is switched off")
+    const QString fax = !job.byFax                      ? QStringLiteral("not for fax")
+                        : !switches.chkEnableFax()         ? QStringLiteral("fax is switched off")
                         : lists.lvwFaxContacts.isEmpty() ? QStringLiteral("no fax recipients")
                                                          : QString();
     const QString what =
@@ -42,16 +44,16 @@ void setUnreachedSink(UnreachedSink sink)
 
 void queueSendJobs(FormLists &lists, FormTimers &timers, const SendSwitches &switches, const SendJob &job)
 {
-    const bool byEmail = switches.chkEnableEmail() && !lists.lvwEmailContacts.isEmpty();
-    const bool byFax = switches.chkEnableFax() && !lists.lvwFaxContacts.isEmpty();
+    const bool byEmail = job.byEmail && switches.chkEnableEmail() && !lists.lvwEmailContacts.isEmpty();
+    const bool byFax = job.byFax && switches.chkEnableFax() && !lists.lvwFaxContacts.isEmpty();
     if (!byEmail && !byFax && unreachedSink())
         unreachedSink()(unreachedText(switches, lists, job));
-    if (switches.chkEnableEmail() && !lists.lvwEmailContacts.isEmpty()) {
+    if (byEmail) {
         lists.lvwSendEmailQue.add(QStringList{GetDateTimeStamp(), job.message, job.chamberName, g.gstrEmailRecipients,
                                               QStringLiteral("0"), job.categoryName, job.histData, job.alertNumber});
         switchOn(timers.TimerEmailMsgQue);
     }
-    if (switches.chkEnableFax() && !lists.lvwFaxContacts.isEmpty()) {
+    if (byFax) {
         const ListStore &recipients = lists.lvwFaxContacts;
         for (int j = 1; j <= recipients.count(); ++j) {
             lists.lvwSendFaxQue.add(QStringList{GetDateTimeStamp(), job.message, job.chamberName, recipients.text(j, 3),

@@ -25,6 +25,8 @@ struct SendJob
     QString categoryName; // "*" for a report
     QString histData;     // the alert summary line: the history row's fields joined by "|"
     QString alertNumber;  // "*" for a report
+    bool byEmail = true;  // the channels the job may take (each still only while switched on)
+    bool byFax = true;
 };
 
 // Puts one job on the e-mail queue for all e-mail recipients together and one job per fax recipient on the fax

@@ -172,6 +172,8 @@ void SendStatus::emailSent()
         m_link.Vantor32Reply(ViaEmail, true); // before the row goes: the reply reads its alert number
         m_lists.lvwSendEmailQue.remove(1);
     }
+    if (m_delivered)
+        m_delivered(ViaEmail);
     g.glngEmailAttempts = 0;
     DBAddHistLvw(m_database, m_lists, 0);
     rearmEmailQueue();
@@ -282,6 +284,8 @@ void SendStatus::faxSent()
         m_link.Vantor32Reply(ViaFax, true);
         m_lists.lvwSendFaxQue.remove(1);
     }
+    if (m_delivered)
+        m_delivered(ViaFax);
     g.gintFaxSendState = Idle;
 }
 

@@ -43,6 +43,8 @@ public:
     // Told of each message that failed for good, with its queue row, after the row left its queue (1 e-mail, 2 fax).
     using FinalFailure = std::function<void(int via, const QStringList &row)>;
     void setFinalFailureHandler(FinalFailure handler) { m_finalFailure = std::move(handler); }
+    // Told of every notification delivered (not the test messages); via is 1 for e-mail, 2 for fax.
+    void setDeliveredHandler(std::function<void(int via)> handler) { m_delivered = std::move(handler); }
     // Why the fax in progress failed, as the fax queue reported it (e-mail outcomes are taken from the client).
     void noteFaxReason(const QString &reason) { m_faxReason = reason; }
 
@@ -71,6 +73,7 @@ private:
     TrayState &m_tray;
     StatusPort &m_port;
     FinalFailure m_finalFailure;
+    std::function<void(int via)> m_delivered;
     FaxLine *m_faxLine = nullptr;
     std::function<qint64()> m_elapsedMs;
     qint64 m_faxSendingSince = 0;

@@ -48,6 +48,11 @@ const QList<Migration> &migrations()
                          "ModemAppendsRTC, FrsDelay, FtsDelay, TcfDelay, SearchPorts, NotModemPorts, SearchAllPorts, "
                          "LastPort, LastClass) SELECT 2, '', 1, 0, 1, 7, 8, 0, '', '', 0, '', 0 "
                          "WHERE NOT EXISTS (SELECT 1 FROM SetupModemProfile)")}},
+        // 5: the proof of life: a daily status message at a set time, and a check URL fetched while healthy.
+        {5,
+         {QStringLiteral("CREATE TABLE IF NOT EXISTS ProofOfLife (DailyStatus INTEGER DEFAULT 0, DailyAt TEXT DEFAULT "
+                         "'07:00', DailyTo INTEGER DEFAULT 0, PingUrl TEXT, PingMinutes INTEGER DEFAULT 5, "
+                         "LastDailyStatus TEXT)")}},
     };
     return list;
 }

@@ -10,6 +10,7 @@
 #include "pages/HistoryPage.h"
 #include "pages/LevelFrame.h"
 #include "pages/MailSecurityPanel.h"
+#include "pages/ProofOfLifePanel.h"
 #include "pages/PriorityPage.h"
 #include "pages/QueuePanel.h"
 #include "pages/RecipientsPage.h"
@@ -68,13 +69,26 @@ void wireCommSetup(MainWindow &window, EmailFaxServer &server)
         QObject::connect(box, &QLineEdit::textEdited, &window, [&server] { server.commSetup().SetCommSetupChanged(); });
     QObject::connect(page.fraMailSecurity, &MailSecurityPanel::edited, &window,
                      [&server] { server.commSetup().SetCommSetupChanged(); });
+    QObject::connect(page.fraProofOfLife, &ProofOfLifePanel::edited, &window,
+                     [&server] { server.commSetup().SetCommSetupChanged(); });
+    QObject::connect(&server.proofOfLife(), &ProofOfLife::settingsChanged, page.fraProofOfLife,
+                     &ProofOfLifePanel::setSettings);
     // The mail fields are checked first: a server or sender that cannot be used is refused, and nothing is stored.
-    onClick(page.cmdAcceptCommSetup, window, [&server] {
-        if (server.mailSetup().accept())
-            server.commSetup().cmdAcceptCommSetup_Click();
+    // The proof of life settings next, the same way.
+    onClick(page.cmdAcceptCommSetup, window, [&server, &window, panel = page.fraProofOfLife] {
+        if (!server.mailSetup().accept())
+            return;
+        const QString problem = ProofOfLife::problem(panel->settings());
+        if (!problem.isEmpty()) {
+            window.showMessage(QStringLiteral("Proof of life"), problem);
+            return;
+        }
+        server.proofOfLife().accept(panel->settings());
+        server.commSetup().cmdAcceptCommSetup_Click();
     });
-    onClick(page.cmdCancelCommSetup, window, [&server] {
+    onClick(page.cmdCancelCommSetup, window, [&server, panel = page.fraProofOfLife] {
         server.mailSetup().cancel();
+        panel->setSettings(server.proofOfLife().settings());
         server.commSetup().cmdCancelCommSetup_Click();
     });
 }

@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 
 #include "MailSecurityPanel.h"
+#include "ProofOfLifePanel.h"
 #include "SetupButtons.h"
 
 namespace osprel {
@@ -83,7 +84,11 @@ CommSetupPage::CommSetupPage(QWidget *parent) : QFrame(parent)
     ui.cmdTestFax->setObjectName(QStringLiteral("cmdTestFax"));
     faxForm->addRow(ui.cmdTestFax, ui.txtTestFaxProg = lineEdit(fax, "txtTestFaxProg"));
     ui.txtTestFaxProg->setReadOnly(true);
-    layout->addWidget(fax);
+    auto *right = new QVBoxLayout;
+    right->addWidget(fax);
+    right->addWidget(ui.fraProofOfLife = new ProofOfLifePanel(this));
+    right->addStretch(1);
+    layout->addLayout(right);
     page->addLayout(setupButtons(this, 0, "cmdAcceptCommSetup", "cmdCancelCommSetup", &ui.cmdAcceptCommSetup,
                                  &ui.cmdCancelCommSetup, &ui.lblChangeWarning));
 }

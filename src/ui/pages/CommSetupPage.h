@@ -17,6 +17,7 @@ class QRadioButton;
 namespace osprel {
 
 class MailSecurityPanel;
+class ProofOfLifePanel;
 
 class CommSetupPage : public QFrame, public CommSetupPort, public EmailQueuePort, public FaxPagePort, public StatusPort
 {
@@ -67,6 +68,7 @@ public:
         QPushButton *cmdAcceptCommSetup, *cmdCancelCommSetup, *cmdFindDevice, *cmdAdvSetup;
         QLabel *lblChangeWarning;
         MailSecurityPanel *fraMailSecurity;
+        ProofOfLifePanel *fraProofOfLife;
     } ui;
 };
 
