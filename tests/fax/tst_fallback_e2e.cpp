@@ -31,6 +31,15 @@ QStringList historyRows(const Database &database, const QString &table)
     return rows;
 }
 
+SoftModem::Options modemOptions(const QTemporaryDir &lab, SoftModem::Line line)
+{
+    SoftModem::Options options;
+    options.linkPath = lab.filePath(QStringLiteral("ttyFAX0"));
+    options.receivedTiff = lab.filePath(QStringLiteral("received.tif"));
+    options.line = line;
+    return options;
+}
+
 // The server with one e-mail recipient and one fax recipient, the modem found and fax on.
 bool startServer(InProcessServer &fixture, const LocalSmtpServer &smtp, const SoftModem &modem)
 {
@@ -64,10 +73,7 @@ private Q_SLOTS:
     void emailRefusedForGoodGoesByFax()
     {
         QTemporaryDir lab;
-        SoftModem::Options modemOptions;
-        modemOptions.linkPath = lab.filePath(QStringLiteral("ttyFAX0"));
-        modemOptions.receivedTiff = lab.filePath(QStringLiteral("received.tif"));
-        SoftModem modem(modemOptions);
+        SoftModem modem(modemOptions(lab, SoftModem::Line::Answer));
         QString error;
         QVERIFY2(modem.start(&error), qPrintable(error));
         LocalSmtpServer smtp;
@@ -97,11 +103,7 @@ private Q_SLOTS:
     void faxFailingForGoodGoesByEmail()
     {
         QTemporaryDir lab;
-        SoftModem::Options modemOptions;
-        modemOptions.linkPath = lab.filePath(QStringLiteral("ttyFAX0"));
-        modemOptions.receivedTiff = lab.filePath(QStringLiteral("received.tif"));
-        modemOptions.line = SoftModem::Line::Busy;
-        SoftModem modem(modemOptions);
+        SoftModem modem(modemOptions(lab, SoftModem::Line::Busy));
         QString error;
         QVERIFY2(modem.start(&error), qPrintable(error));
         LocalSmtpServer smtp;
