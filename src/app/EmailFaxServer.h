@@ -27,6 +27,7 @@
 #include "ServerForm.h"
 #include "SmtpClient.h"
 #include "Supervision.h"
+#include "TicketDesk.h"
 #include "TrayState.h"
 
 #include <QElapsedTimer>
@@ -81,6 +82,10 @@ public:
     QueueJournal &journal() { return m_journal; }
     Supervision &supervision() { return m_supervision; }
     void setCategoryCaption(int index, const QString &caption) override;
+    bool acknowledgeTicket(const QString &ticket, const QString &who, const QString &comment,
+                           const QString &how) override;
+    bool clearTicket(const QString &ticket, const QString &who, const QString &how) override;
+    TicketDesk &tickets() { return m_tickets; }
 
     void Form_Load();
     // Returns true when the close is cancelled.
@@ -131,6 +136,7 @@ private:
     MailSetup m_mailSetup;
     Supervision m_supervision;
     Fallback m_fallback;
+    TicketDesk m_tickets;
     bool m_loading = false;
     bool m_unloaded = false;
     QElapsedTimer m_draining; // running while a stop waits for a message on its way
