@@ -2,7 +2,8 @@
 // the injected clock moved by hand. A High alert whose level asks for acknowledgement, repeats every 2 minutes up to
 // 3 times and escalates after 5: the first mail, a repeat, a restart of the server between two repeats that
 // continues the schedule, the next repeat, the escalation list's mail; an Acknowledge over the bus stops all further
-// mail, reaches the chamber program as AlarmAcknowledged, and is in the history with who, when and how.
+// mail, reaches the chamber program as AlarmAcknowledged, and is in the history with who, when and how;
+// osprel-client then clears the ticket from the command line.
 
 #include "Clock.h"
 #include "InProcessServer.h"
@@ -13,6 +14,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QSqlQuery>
 #include <QtTest>
@@ -31,6 +33,19 @@ QStringList subjects(const LocalSmtpServer &smtp)
         }
     }
     return found;
+}
+
+// osprel-client on the fixture's bus; its exit code, and its output in *output.
+int client(const QString &bus, const QStringList &arguments, QByteArray *output)
+{
+    QProcess process;
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.start(QStringLiteral(OSPREL_BUILD_DIR "/bin/osprel-client"), QStringList{QStringLiteral("--bus"), bus} + arguments);
+    // The server answers on this thread: the event loop runs while the client waits.
+    if (!QTest::qWaitFor([&] { return process.state() == QProcess::NotRunning; }, 20000))
+        return -1;
+    *output = process.readAll();
+    return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
 }
 
 QJsonArray recipientsOf(const LocalSmtpServer &smtp, int index)
@@ -128,18 +143,33 @@ private Q_SLOTS:
         QTest::qWait(200);
         QCOMPARE(subjects(smtp).size(), 4);
 
+        // From the command line: a ticket that is not open answers 1, a missing name is refused before the bus,
+        // and the acknowledged ticket is cleared, stored as done from the command line.
+        QByteArray output;
+        QCOMPARE(client(fixture.busAddress(), {QStringLiteral("--ack"), code, QStringLiteral("--who"), QStringLiteral("Ann")},
+                        &output),
+                 1);
+        QVERIFY2(output.contains("Acknowledge -> false"), output.constData());
+        QCOMPARE(client(fixture.busAddress(), {QStringLiteral("--ack"), code}, &output), 2);
+        QCOMPARE(client(fixture.busAddress(), {QStringLiteral("--clear"), code}, &output), 0);
+        QVERIFY2(output.contains("Clear -> true"), output.constData());
+        QCOMPARE(fixture.server().lists().lvwActiveAlarms.count(), 0);
+        QCOMPARE(fixture.server().lists().lvwHist[0].text(1, 4), QStringLiteral("(command line)"));
+
         // The history shows who, when (minute 5) and how, in the list and in the table.
         const ListStore &history = fixture.server().lists().lvwHist[0];
-        QCOMPARE(history.row(1).mid(0, 5),
+        QCOMPARE(history.row(2).mid(0, 5),
                  QStringList({t0.addSecs(300).toString("MM/dd/yyyy  HH:mm:ss"), "Acknowledged", "Chamber 4",
                               "Lan Nguyen (bus)", "door closed"}));
         QSqlQuery stored = fixture.server().database().run(
-            QStringLiteral("SELECT Who, How, Comment, At FROM TicketActions WHERE Code = ?"), {code});
+            QStringLiteral("SELECT Who, How, Comment, At FROM TicketActions WHERE Code = ? ORDER BY rowid"), {code});
         QVERIFY(stored.next());
         QCOMPARE(stored.value(0).toString(), QStringLiteral("Lan Nguyen"));
         QCOMPARE(stored.value(1).toString(), QStringLiteral("bus"));
         QCOMPARE(stored.value(2).toString(), QStringLiteral("door closed"));
         QCOMPARE(QDateTime::fromString(stored.value(3).toString(), Qt::ISODateWithMs), t0.addSecs(300));
+        QVERIFY(stored.next());
+        QCOMPARE(stored.value(1).toString(), QStringLiteral("command line"));
     }
 };
 
