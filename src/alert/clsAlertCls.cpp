@@ -205,8 +205,7 @@ void clsAlertCls::SendAlarmAcknowledged(const QString &ticket, const QString &wh
 bool clsAlertCls::Acknowledge(const QString &ticket, const QString &who, const QString &comment, const QString &how)
 {
     bool result = false;
-    guarded(QStringLiteral("Acknowledge"),
-            [&] { result = serverForm().acknowledgeTicket(ticket, who, comment, how); });
+    guarded(QStringLiteral("Acknowledge"), [&] { result = serverForm().acknowledgeTicket(ticket, who, comment, how); });
     return result;
 }
 

@@ -81,7 +81,8 @@ void ChamberClient::onSignal(const QDBusMessage &message)
 bool ChamberClient::acknowledge(const QString &ticket, const QString &who, const QString &comment, bool *result,
                                 QString *error)
 {
-    QDBusMessage call = QDBusMessage::createMethodCall(kService, m_path, kAlertInterface, QStringLiteral("Acknowledge"));
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(kService, m_path, kAlertInterface, QStringLiteral("Acknowledge"));
     call << ticket << who << comment;
     return callBool(m_connection, call, result, error);
 }

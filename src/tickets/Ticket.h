@@ -16,7 +16,7 @@ struct Ticket
     QString code; // "4821-QX"
     qint16 level = 0;
     QString chamberName, category, alertNumber; // category: its name alone ("CHAMBER_ALARM")
-    QString message;  // the first notification's text, ticket line included
+    QString message;                            // the first notification's text, ticket line included
     QString histData; // the first notification's summary line (its category field names the ticket)
     QDateTime openedAt;
     // The level's rule as it stood when the ticket opened: a later change of the level leaves open tickets alone.

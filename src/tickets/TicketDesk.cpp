@@ -21,8 +21,15 @@
 namespace osprel {
 
 namespace {
-enum Column { CodeColumn = 1, ChamberColumn, CategoryColumn, FirstSentColumn, RepeatsColumn, EscalatedColumn,
-              StateColumn };
+enum Column {
+    CodeColumn = 1,
+    ChamberColumn,
+    CategoryColumn,
+    FirstSentColumn,
+    RepeatsColumn,
+    EscalatedColumn,
+    StateColumn
+};
 
 QString stamp(const QDateTime &when)
 {
@@ -130,8 +137,8 @@ void TicketDesk::immediateAlert(qint16 level, SendJob &job)
         return;
     // A ticket that cannot be stored is not opened: the alert still goes out, without one.
     guarded(QStringLiteral("OpenTicket"), [&] {
-        const QString code = newTicketCode(
-            [this](const QString &c) { return indexOf(c) >= 0 || ticketCodeTaken(m_database, c); });
+        const QString code =
+            newTicketCode([this](const QString &c) { return indexOf(c) >= 0 || ticketCodeTaken(m_database, c); });
         Ticket t = openTicket(code, m_priorities.ticketRule(level), Clock::now());
         t.level = level;
         t.chamberName = job.chamberName;
@@ -233,7 +240,8 @@ bool TicketDesk::acknowledge(const QString &typed, const QString &whoTyped, cons
         const QString who = cleanTicketText(whoTyped, kMaxNameLength);
         const QString comment = cleanTicketText(commentTyped, kMaxCommentLength);
         if (who.isEmpty()) {
-            DumpStr(QStringLiteral("Acknowledge: ticket ") + code + QStringLiteral(" needs the name of who acknowledges."));
+            DumpStr(QStringLiteral("Acknowledge: ticket ") + code +
+                    QStringLiteral(" needs the name of who acknowledges."));
             return;
         }
         if (m_tickets.at(index).state != TicketState::Open) {
@@ -247,9 +255,10 @@ bool TicketDesk::acknowledge(const QString &typed, const QString &whoTyped, cons
         recordTicketAction(m_database, code, QStringLiteral("Acknowledged"), who, howText(how), comment, now);
         m_tickets[index] = t;
         showRow(index);
-        m_lists.lvwActiveAlarms.setNote(index + 1, QStringLiteral("Acknowledged by ") + who + QStringLiteral(" (") +
-                                                       howText(how) + QStringLiteral(") ") + stamp(now) +
-                                                       (comment.isEmpty() ? QString() : QStringLiteral(": ") + comment));
+        m_lists.lvwActiveAlarms.setNote(index + 1,
+                                        QStringLiteral("Acknowledged by ") + who + QStringLiteral(" (") + howText(how) +
+                                            QStringLiteral(") ") + stamp(now) +
+                                            (comment.isEmpty() ? QString() : QStringLiteral(": ") + comment));
         writeHistory(t, QStringLiteral("Acknowledged"), who, how, comment);
         DumpStr(QStringLiteral("Ticket ") + code + QStringLiteral(" acknowledged by ") + who + QStringLiteral(" (") +
                 howText(how) + u')' + (comment.isEmpty() ? QString() : QStringLiteral(": ") + comment));

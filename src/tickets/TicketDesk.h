@@ -61,8 +61,7 @@ private:
     void showRow(int index);
     void repeat(Ticket &ticket, const QDateTime &now);
     void escalate(Ticket &ticket, const QDateTime &now);
-    void writeHistory(const Ticket &ticket, const QString &action, const QString &who, How how,
-                      const QString &comment);
+    void writeHistory(const Ticket &ticket, const QString &action, const QString &who, How how, const QString &comment);
 
     const Database &m_database;
     FormLists &m_lists;

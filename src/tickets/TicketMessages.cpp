@@ -48,8 +48,8 @@ SendJob escalationJob(const Ticket &t)
 {
     SendJob job;
     job.message = QStringLiteral("# Osprel EmailFax: ticket ") + t.code + QStringLiteral(" not acknowledged within ") +
-                  QString::number(t.rule.EscalateMinutes) +
-                  QStringLiteral(" minutes: escalated to you #\r\n\r\n") + t.message;
+                  QString::number(t.rule.EscalateMinutes) + QStringLiteral(" minutes: escalated to you #\r\n\r\n") +
+                  t.message;
     job.chamberName = t.chamberName;
     job.categoryName = kEscalationMark + t.category + QStringLiteral(", Ticket ") + t.code;
     job.histData = withField(t.histData, 3, kEscalationMark + field(t.histData, 3));

@@ -29,8 +29,8 @@ QDateTime escalationDue(const Ticket &ticket)
 
 bool repeatDue(const Ticket &ticket, const QDateTime &now)
 {
-    return ticket.state == TicketState::Open && ticket.nextRepeat.isValid() && ticket.repeats < ticket.rule.RepeatTimes &&
-           now >= ticket.nextRepeat;
+    return ticket.state == TicketState::Open && ticket.nextRepeat.isValid() &&
+           ticket.repeats < ticket.rule.RepeatTimes && now >= ticket.nextRepeat;
 }
 
 bool escalationIsDue(const Ticket &ticket, const QDateTime &now)

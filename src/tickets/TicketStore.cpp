@@ -72,8 +72,8 @@ QList<Ticket> loadActiveTickets(const Database &database)
         t.repeats = int(qBound(0LL, rows.value(11).toLongLong(), qint64(TicketRule::kMaxTimes)));
         t.nextRepeat = momentOf(rows.value(12));
         t.escalatedAt = momentOf(rows.value(13));
-        t.state = rows.value(14).toInt() == int(TicketState::Acknowledged) ? TicketState::Acknowledged
-                                                                            : TicketState::Open;
+        t.state =
+            rows.value(14).toInt() == int(TicketState::Acknowledged) ? TicketState::Acknowledged : TicketState::Open;
         t.byFax = rows.value(15).toInt() != 0;
         if (!t.openedAt.isValid())
             t.openedAt = QDateTime::fromSecsSinceEpoch(0); // a damaged row still shows, and can be cleared

@@ -154,9 +154,8 @@ void wireRecipients(MainWindow &window, EmailFaxServer &server)
                      [&recipients](const QModelIndex &i) { recipients.lvwEmailContacts_ItemClick(i.row() + 1); });
     QObject::connect(page.lvwFaxContacts, &QAbstractItemView::clicked, &window,
                      [&recipients](const QModelIndex &i) { recipients.lvwFaxContacts_ItemClick(i.row() + 1); });
-    QObject::connect(page.lvwEscalationContacts, &QAbstractItemView::clicked, &window, [&recipients](const QModelIndex &i) {
-        recipients.lvwEscalationContacts_ItemClick(i.row() + 1);
-    });
+    QObject::connect(page.lvwEscalationContacts, &QAbstractItemView::clicked, &window,
+                     [&recipients](const QModelIndex &i) { recipients.lvwEscalationContacts_ItemClick(i.row() + 1); });
     const ContactEditor::Controls &editor = window.contactEditor()->ui;
     onClick(editor.cmdContactsOK, window, [&recipients] { recipients.cmdContactsOK_Click(); });
     onClick(editor.cmdContactsCancel, window, [&recipients] { recipients.cmdContactsCancel_Click(); });

@@ -40,8 +40,8 @@ QMap<QString, QStringList> tableColumns(const QString &path)
     return columns;
 }
 
-// Every row of every table, as text, read without the server's help. With `columnsOf`, a table named there is read in those columns only: a later version
-// may give a table a new column, and the rows must keep every value they had.
+// Every row of every table, as text, read without the server's help. With `columnsOf`, a table named there is read in
+// those columns only: a later version may give a table a new column, and the rows must keep every value they had.
 QMap<QString, QStringList> dumpTables(const QString &path, const QMap<QString, QStringList> &columnsOf = {})
 {
     QMap<QString, QStringList> tables;
@@ -53,8 +53,8 @@ QMap<QString, QStringList> dumpTables(const QString &path, const QMap<QString, Q
             QSqlQuery names(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table'"), raw);
             while (names.next()) {
                 const QString table = names.value(0).toString();
-                const QString columns = columnsOf.contains(table) ? columnsOf.value(table).join(QStringLiteral(", "))
-                                                                  : QStringLiteral("*");
+                const QString columns =
+                    columnsOf.contains(table) ? columnsOf.value(table).join(QStringLiteral(", ")) : QStringLiteral("*");
                 QSqlQuery rows(QStringLiteral("SELECT ") + columns + QStringLiteral(" FROM ") + table +
                                    QStringLiteral(" ORDER BY rowid"),
                                raw);

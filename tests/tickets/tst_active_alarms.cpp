@@ -144,8 +144,7 @@ private Q_SLOTS:
         QCOMPARE(m_lists->lvwActiveAlarms.count(), 0);
         QCOMPARE(scalar("SELECT State FROM Tickets"), QVariant(2));
         QCOMPARE(m_lists->lvwHist[0].text(1, 2), QStringLiteral("Cleared"));
-        QCOMPARE(scalar("SELECT count(*) FROM TicketActions WHERE Action = 'Cleared' AND How = 'window'"),
-                 QVariant(1));
+        QCOMPARE(scalar("SELECT count(*) FROM TicketActions WHERE Action = 'Cleared' AND How = 'window'"), QVariant(1));
     }
 
 private:

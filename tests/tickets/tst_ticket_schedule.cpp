@@ -38,14 +38,14 @@ private Q_SLOTS:
     void repeatsAndEscalation_data()
     {
         QTest::addColumn<TicketRule>("rule");
-        QTest::addColumn<QList<int>>("repeatsAt");  // minutes after opening
-        QTest::addColumn<int>("escalatesAt");        // -1: never
+        QTest::addColumn<QList<int>>("repeatsAt"); // minutes after opening
+        QTest::addColumn<int>("escalatesAt");      // -1: never
         QTest::newRow("every 2, three times, escalate at 5") << rule(2, 3, 5) << QList<int>{2, 4, 6} << 5;
         QTest::newRow("never repeated") << rule(0, 3, 5) << QList<int>{} << 5;
         QTest::newRow("zero times") << rule(2, 0, 0) << QList<int>{} << -1;
         QTest::newRow("once") << rule(10, 1, 0) << QList<int>{10} << -1;
-        QTest::newRow("numbers out of range are bounded") << TicketRule{true, -5, 1000, 20000} << QList<int>{}
-                                                          << int(TicketRule::kMaxMinutes);
+        QTest::newRow("numbers out of range are bounded")
+            << TicketRule{true, -5, 1000, 20000} << QList<int>{} << int(TicketRule::kMaxMinutes);
     }
     void repeatsAndEscalation()
     {
@@ -146,8 +146,8 @@ private Q_SLOTS:
         QCOMPARE(normalTicketCode(code), code);
         QVERIFY(!code.contains(u'I') && !code.contains(u'O'));
         QCOMPARE(normalTicketCode(QStringLiteral("  4821-qx ")), QStringLiteral("4821-QX"));
-        for (const char *bad : {"", "4821QX", "4821-Q", "48215-QX", "4821-Q1", "'; DROP TABLE Tickets; --",
-                                "４８２１-QX"})
+        for (const char *bad :
+             {"", "4821QX", "4821-Q", "48215-QX", "4821-Q1", "'; DROP TABLE Tickets; --", "４８２１-QX"})
             QVERIFY2(normalTicketCode(QString::fromUtf8(bad)).isEmpty(), bad);
         // A space where every code is taken ends in a reported error, not a loop.
         QVERIFY_THROWS_EXCEPTION(RunError, newTicketCode([](const QString &) { return true; }));

@@ -40,7 +40,8 @@ int client(const QString &bus, const QStringList &arguments, QByteArray *output)
 {
     QProcess process;
     process.setProcessChannelMode(QProcess::MergedChannels);
-    process.start(QStringLiteral(OSPREL_BUILD_DIR "/bin/osprel-client"), QStringList{QStringLiteral("--bus"), bus} + arguments);
+    process.start(QStringLiteral(OSPREL_BUILD_DIR "/bin/osprel-client"),
+                  QStringList{QStringLiteral("--bus"), bus} + arguments);
     // The server answers on this thread: the event loop runs while the client waits.
     if (!QTest::qWaitFor([&] { return process.state() == QProcess::NotRunning; }, 20000))
         return -1;
@@ -97,7 +98,8 @@ private Q_SLOTS:
 
         advanceTo(2);
         QTRY_COMPARE_WITH_TIMEOUT(subjects(smtp).size(), 2, 15000);
-        QVERIFY2(subjects(smtp).at(1).endsWith(code + QStringLiteral(", repeat 1 of 3")), qPrintable(subjects(smtp).at(1)));
+        QVERIFY2(subjects(smtp).at(1).endsWith(code + QStringLiteral(", repeat 1 of 3")),
+                 qPrintable(subjects(smtp).at(1)));
         QTRY_VERIFY(fixture.server().lists().lvwSendEmailQue.isEmpty());
 
         // A restart at minute 3 continues the schedule: nothing is sent again at once, the next repeat is the
@@ -113,7 +115,8 @@ private Q_SLOTS:
 
         advanceTo(4);
         QTRY_COMPARE_WITH_TIMEOUT(subjects(smtp).size(), 3, 15000);
-        QVERIFY2(subjects(smtp).at(2).endsWith(code + QStringLiteral(", repeat 2 of 3")), qPrintable(subjects(smtp).at(2)));
+        QVERIFY2(subjects(smtp).at(2).endsWith(code + QStringLiteral(", repeat 2 of 3")),
+                 qPrintable(subjects(smtp).at(2)));
 
         advanceTo(5);
         QTRY_COMPARE_WITH_TIMEOUT(subjects(smtp).size(), 4, 15000);
@@ -123,7 +126,8 @@ private Q_SLOTS:
         QCOMPARE(fixture.server().lists().lvwActiveAlarms.text(1, 6), t0.addSecs(300).toString("MM/dd/yyyy  HH:mm:ss"));
 
         // Unknown and malformed tickets are refused; the right one, typed in lower case, is taken once.
-        QVERIFY(!fixture.call(QStringLiteral("Acknowledge"), {QStringLiteral("0000-ZZ"), QStringLiteral("Lan"), QString()}));
+        QVERIFY(!fixture.call(QStringLiteral("Acknowledge"),
+                              {QStringLiteral("0000-ZZ"), QStringLiteral("Lan"), QString()}));
         QVERIFY(!fixture.call(QStringLiteral("Acknowledge"),
                               {QStringLiteral("'; DROP TABLE Tickets; --"), QStringLiteral("Lan"), QString()}));
         QVERIFY(!fixture.call(QStringLiteral("Acknowledge"), {code, QStringLiteral("   "), QString()}));
@@ -146,8 +150,8 @@ private Q_SLOTS:
         // From the command line: a ticket that is not open answers 1, a missing name is refused before the bus,
         // and the acknowledged ticket is cleared, stored as done from the command line.
         QByteArray output;
-        QCOMPARE(client(fixture.busAddress(), {QStringLiteral("--ack"), code, QStringLiteral("--who"), QStringLiteral("Ann")},
-                        &output),
+        QCOMPARE(client(fixture.busAddress(),
+                        {QStringLiteral("--ack"), code, QStringLiteral("--who"), QStringLiteral("Ann")}, &output),
                  1);
         QVERIFY2(output.contains("Acknowledge -> false"), output.constData());
         QCOMPARE(client(fixture.busAddress(), {QStringLiteral("--ack"), code}, &output), 2);

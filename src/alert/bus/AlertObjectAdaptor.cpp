@@ -4,8 +4,8 @@
 #include "clsAlertCls.h"
 
 #include <QDBusConnectionInterface>
-#include <QDBusReply>
 #include <QDBusMessage>
+#include <QDBusReply>
 #include <QFile>
 
 namespace osprel {

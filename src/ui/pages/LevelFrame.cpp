@@ -169,8 +169,8 @@ void LevelFrame::setTicketControlsEnabled(bool enabled)
 void LevelFrame::showTicketRule(const TicketRule &rule)
 {
     std::vector<QSignalBlocker> blockers;
-    for (QObject *w : std::initializer_list<QObject *>{this, chkAckRequired, spnRepeatMinutes, spnRepeatTimes,
-                                                       spnEscalateMinutes})
+    for (QObject *w :
+         std::initializer_list<QObject *>{this, chkAckRequired, spnRepeatMinutes, spnRepeatTimes, spnEscalateMinutes})
         blockers.emplace_back(w);
     const TicketRule r = rule.bounded();
     chkAckRequired->setChecked(r.AckRequired);

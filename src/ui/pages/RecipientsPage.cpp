@@ -60,8 +60,8 @@ RecipientsPage::RecipientsPage(FormLists &lists, QWidget *parent) : QFrame(paren
     layout->addLayout(arrows(ui.cmdAddFaxAdr, ui.cmdRemFaxAdr), 3, 1);
     ui.cmdAddEscalation = button(this, "cmdAddEscalation", QStringLiteral(">"),
                                  tr("Tell the selected contact of alarms nobody acknowledges"));
-    ui.cmdRemEscalation = button(this, "cmdRemEscalation", QStringLiteral("<"),
-                                 tr("Take the selected person off the escalation list"));
+    ui.cmdRemEscalation =
+        button(this, "cmdRemEscalation", QStringLiteral("<"), tr("Take the selected person off the escalation list"));
     layout->addLayout(arrows(ui.cmdAddEscalation, ui.cmdRemEscalation), 5, 1);
     layout->addWidget(new QLabel(tr("E-mail recipients"), this), 0, 2);
     layout->addWidget(ui.lvwEmailContacts = new ListView(lists.lvwEmailContacts, ListView::Refresh::Immediate, this), 1,
@@ -69,9 +69,8 @@ RecipientsPage::RecipientsPage(FormLists &lists, QWidget *parent) : QFrame(paren
     layout->addWidget(new QLabel(tr("Fax recipients"), this), 2, 2);
     layout->addWidget(ui.lvwFaxContacts = new ListView(lists.lvwFaxContacts, ListView::Refresh::Immediate, this), 3, 2);
     layout->addWidget(new QLabel(tr("Escalation"), this), 4, 2);
-    layout->addWidget(ui.lvwEscalationContacts =
-                          new ListView(lists.lvwEscalationContacts, ListView::Refresh::Immediate, this),
-                      5, 2);
+    layout->addWidget(
+        ui.lvwEscalationContacts = new ListView(lists.lvwEscalationContacts, ListView::Refresh::Immediate, this), 5, 2);
     auto *buttons = new QHBoxLayout;
     buttons->addWidget(ui.cmdNew = button(this, "cmdNew", QStringLiteral("New")));
     buttons->addWidget(ui.cmdEdit = button(this, "cmdEdit", QStringLiteral("Edit")));
