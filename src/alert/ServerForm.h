@@ -26,6 +26,10 @@ public:
     virtual FormLists &lists() = 0;
     // The caption of lblErrCata(index), index 0..7.
     virtual void setCategoryCaption(int index, const QString &caption) = 0;
+    // Acknowledges or clears a ticket; `how` is "bus" or "command line". False when there is no such open ticket
+    // (a window without tickets has none).
+    virtual bool acknowledgeTicket(const QString &, const QString &, const QString &, const QString &) { return false; }
+    virtual bool clearTicket(const QString &, const QString &, const QString &) { return false; }
 };
 
 } // namespace osprel

@@ -197,6 +197,30 @@ void clsAlertCls::SendServerClosing()
     guarded(QStringLiteral("SendServerClosing"), [&] { Q_EMIT ServerClosing(); });
 }
 
+void clsAlertCls::SendAlarmAcknowledged(const QString &ticket, const QString &who)
+{
+    guarded(QStringLiteral("SendAlarmAcknowledged"), [&] { Q_EMIT AlarmAcknowledged(ticket, who); });
+}
+
+bool clsAlertCls::Acknowledge(const QString &ticket, const QString &who, const QString &comment, const QString &how)
+{
+    bool result = false;
+    guarded(QStringLiteral("Acknowledge"), [&] { result = serverForm().acknowledgeTicket(ticket, who, comment, how); });
+    return result;
+}
+
+bool clsAlertCls::Clear(const QString &ticket, const QString &how)
+{
+    bool result = false;
+    guarded(QStringLiteral("Clear"), [&] {
+        // The bus call names nobody: the linked chamber program is named by its form, anyone else not at all.
+        ServerForm &form = serverForm();
+        const QString who = form.isLinkedObject(this) ? g.gstrLinkedForm : QString();
+        result = form.clearTicket(ticket, who, how);
+    });
+    return result;
+}
+
 QString customString(const QVariant &value)
 {
     switch (value.typeId()) {

@@ -25,17 +25,23 @@ public:
     // The linked chamber program promises its next heartbeat within `seconds`; false from any other object.
     bool Heartbeat(quint32 seconds);
     bool ServerCmd(const QString &strFormName, qint16 intCmd, const QVariant &CustomStr);
+    // Acknowledges or clears an open ticket, from any object (a person at a command line holds an object that is
+    // not linked); `how` says which road the call took. False for a ticket that is not open.
+    bool Acknowledge(const QString &ticket, const QString &who, const QString &comment, const QString &how);
+    bool Clear(const QString &ticket, const QString &how);
 
     // Internal raise methods: reachable from inside the server only.
     void SendAlertStatus(qint32 lngAlertID, qint16 intEmailFax, bool blnStatus);
     void SendServerStatus(bool blnBusy, qint16 intEmailStatus, qint16 intFaxStatus);
     void SendServerClosing();
+    void SendAlarmAcknowledged(const QString &ticket, const QString &who);
 
 Q_SIGNALS:
     void AlertStatus(qint32 lngAlertID, qint16 intEmailFax, bool blnStatus);
     void ServerStatus(bool blnBusy, qint16 intEmailStatus, qint16 intFaxStatus);
     void ServerClosing();
     void AlertReady(const QString &strAlertString);
+    void AlarmAcknowledged(const QString &ticket, const QString &who);
     // Inside the server only (not a bus event): a heartbeat promise from the linked object.
     void HeartbeatPromised(quint32 seconds);
 

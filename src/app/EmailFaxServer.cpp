@@ -37,8 +37,10 @@ EmailFaxServer::EmailFaxServer(Log &log, FormLists &lists, const Ports &ports, Q
       m_prioritySetup(m_priorities, m_alarms, m_lists, m_timers, ports.alarmSetup, ports.priorityPage),
       m_commSetup(m_database, ports.commSetup), m_mailSetup(m_database, ports.email, ports.form, m_secrets),
       m_supervision(m_lists, m_timers, ports.commSetup, m_link), m_fallback(m_lists, m_timers, ports.commSetup),
-      m_proofOfLife(m_database, m_lists, m_timers, ports.commSetup)
+      m_proofOfLife(m_database, m_lists, m_timers, ports.commSetup),
+      m_tickets(m_database, m_lists, m_timers, ports.commSetup, m_priorities, m_link)
 {
+    m_dispatcher.setImmediateHook([this](qint16 level, SendJob &job) { m_tickets.immediateAlert(level, job); });
     m_sendStatus.setFinalFailureHandler([this](int via, const QStringList &row) {
         // The job row: its chamber (or report title) in column 2, its category in column 5.
         m_proofOfLife.failedForGood(via == 1 ? 0 : 1, row.value(2) + u' ' + row.value(5));
@@ -94,6 +96,7 @@ void EmailFaxServer::Form_Load()
         m_proofOfLife.load();
         m_priorities.DBInitAlarmCatSetup();
         m_priorities.DBInitAlarmPriSetup();
+        m_tickets.load();
         m_alarms.InitLables();
         VersionControl();
         m_ports.form.appendAppVersion(QStringLiteral(" ") + versionText());
@@ -145,6 +148,19 @@ void EmailFaxServer::storeHealthChanged(bool healthy, const QString &reason)
                                           reportedFaxState());
 }
 
+bool EmailFaxServer::acknowledgeTicket(const QString &ticket, const QString &who, const QString &comment,
+                                       const QString &how)
+{
+    return m_tickets.acknowledge(ticket, who, comment,
+                                 how == QLatin1String("command line") ? TicketDesk::ByCommandLine : TicketDesk::ByBus);
+}
+
+bool EmailFaxServer::clearTicket(const QString &ticket, const QString &who, const QString &how)
+{
+    return m_tickets.clear(ticket, who,
+                           how == QLatin1String("command line") ? TicketDesk::ByCommandLine : TicketDesk::ByBus);
+}
+
 bool EmailFaxServer::isLinkedObject(const clsAlertCls *obj) const
 {
     return obj && obj == m_link.server() && !g.gstrLinkedForm.isEmpty();
@@ -193,6 +209,7 @@ void EmailFaxServer::TimerInit_Timer()
 {
     switchOn(m_timers.TimerMsgQue);
     switchOn(m_timers.TimerDBAlarms);
+    switchOn(m_tickets.timer());
     m_timers.TimerInit.stop();
     m_faxQueue.openDeviceIfEnabledAtLoad();
 }
@@ -243,6 +260,7 @@ bool EmailFaxServer::Form_Unload()
             return;
         }
         m_link.StopQueueTimers();
+        m_tickets.stop();
         // An outcome already in is recorded; what is not yet delivered stays on disk for the next start.
         m_sendStatus.SendStatUpdate();
         m_journal.detach();

@@ -28,6 +28,7 @@
 #include "ServerForm.h"
 #include "SmtpClient.h"
 #include "Supervision.h"
+#include "TicketDesk.h"
 #include "TrayState.h"
 
 #include <QElapsedTimer>
@@ -83,6 +84,10 @@ public:
     Supervision &supervision() { return m_supervision; }
     ProofOfLife &proofOfLife() { return m_proofOfLife; }
     void setCategoryCaption(int index, const QString &caption) override;
+    bool acknowledgeTicket(const QString &ticket, const QString &who, const QString &comment,
+                           const QString &how) override;
+    bool clearTicket(const QString &ticket, const QString &who, const QString &how) override;
+    TicketDesk &tickets() { return m_tickets; }
 
     void Form_Load();
     // Returns true when the close is cancelled.
@@ -134,6 +139,7 @@ private:
     Supervision m_supervision;
     Fallback m_fallback;
     ProofOfLife m_proofOfLife;
+    TicketDesk m_tickets;
     bool m_loading = false;
     bool m_unloaded = false;
     QElapsedTimer m_draining; // running while a stop waits for a message on its way

@@ -44,6 +44,14 @@ void FormLists::InitColHeaders()
         addColumns(lvwSendFaxQue, kSendQueueHead);
         addColumns(lvwSendFaxQue, {{"LName", 1350}, {"FName", 1350}, {"Alarm ID", 1350}});
         addColumns(lvwHist[1], kHistory);
+        addColumns(lvwEscalationContacts, {{"Last", 1000}, {"First", 1000}, {"Email", 2200}, {"Fax", 1700}});
+        addColumns(lvwActiveAlarms, {{"Ticket", 1100},
+                                     {"Chamber", 1350},
+                                     {"Category", 1750},
+                                     {"First Sent", 1750},
+                                     {"Repeats", 800},
+                                     {"Escalated", 1750},
+                                     {"State", 1350}});
     });
 }
 

@@ -1,6 +1,6 @@
 #pragma once
-// The main window's list views as storage: the incoming queue, the two send queues, the two history lists and the
-// three contact lists, with their fixed columns.
+// The main window's list views as storage: the incoming queue, the two send queues, the two history lists, the
+// four contact lists and the active alarms (open tickets), with their fixed columns.
 
 #include "ListStore.h"
 
@@ -14,6 +14,10 @@ public:
     ListStore lvwMainContacts{QStringLiteral("lvwMainContacts")};
     ListStore lvwEmailContacts{QStringLiteral("lvwEmailContacts")};
     ListStore lvwFaxContacts{QStringLiteral("lvwFaxContacts")};
+    // Told when nobody acknowledges a ticket in time: last, first, e-mail address, fax number.
+    ListStore lvwEscalationContacts{QStringLiteral("lvwEscalationContacts")};
+    // The tickets not yet cleared: ticket, chamber, category, first sent, repeats, escalated, state.
+    ListStore lvwActiveAlarms{QStringLiteral("lvwActiveAlarms")};
     ListStore lvwMsgQue{QStringLiteral("lvwMsgQue")};
     ListStore lvwSendEmailQue{QStringLiteral("lvwSendEmailQue")};
     ListStore lvwSendFaxQue{QStringLiteral("lvwSendFaxQue")};

@@ -64,6 +64,31 @@ void queueSendJobs(FormLists &lists, FormTimers &timers, const SendSwitches &swi
     }
 }
 
+int queueOwnRecipientJobs(FormLists &lists, FormTimers &timers, const SendSwitches &switches, const SendJob &job,
+                          const QString &emailTo, const QList<RecipientRec> &faxTo)
+{
+    const QString category = hasOwnRecipients(job.categoryName) ? job.categoryName : kEscalationMark + job.categoryName;
+    int queued = 0;
+    if (switches.chkEnableEmail() && !emailTo.isEmpty()) {
+        lists.lvwSendEmailQue.add(QStringList{GetDateTimeStamp(), job.message, job.chamberName, emailTo,
+                                              QStringLiteral("0"), category, job.histData, job.alertNumber});
+        switchOn(timers.TimerEmailMsgQue);
+        ++queued;
+    }
+    if (switches.chkEnableFax()) {
+        for (const RecipientRec &person : faxTo) {
+            if (person.FaxNumber.isEmpty())
+                continue;
+            lists.lvwSendFaxQue.add(QStringList{GetDateTimeStamp(), job.message, job.chamberName, person.FaxNumber,
+                                                QStringLiteral("0"), category, job.histData, person.LastName,
+                                                person.FirstName, job.alertNumber});
+            switchOn(timers.TimerFaxMsgQue);
+            ++queued;
+        }
+    }
+    return queued;
+}
+
 void addDeliveryRow(FormLists &lists, int histIndex, const QString &status, const QString &address,
                     const QString &histData)
 {

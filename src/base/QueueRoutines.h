@@ -35,6 +35,21 @@ struct SendJob
 // A job that reaches nobody (neither queue took it) is told once to the sink, with the words saying why.
 void queueSendJobs(FormLists &lists, FormTimers &timers, const SendSwitches &switches, const SendJob &job);
 
+// A job for named people rather than the e-mail and fax lists (an escalation): its category starts with this mark,
+// its e-mail row holds its own recipient string in the Address column, and the queues send it even while their
+// lists are empty.
+inline const QString kEscalationMark = QStringLiteral("Escalation: ");
+inline bool hasOwnRecipients(const QString &category)
+{
+    return category.startsWith(kEscalationMark);
+}
+
+// Puts an escalation on the queues: one e-mail job to every address in `emailTo` (the recipient string, each
+// address followed by "; ") while e-mail is on, and one fax job per person in `faxTo` while fax is on. The job's
+// category is marked. Returns how many jobs were queued.
+int queueOwnRecipientJobs(FormLists &lists, FormTimers &timers, const SendSwitches &switches, const SendJob &job,
+                          const QString &emailTo, const QList<RecipientRec> &faxTo);
+
 // Where queueSendJobs tells of a message that reaches nobody; the server installs the log and the status line here.
 using UnreachedSink = std::function<void(const QString &text)>;
 void setUnreachedSink(UnreachedSink sink);

@@ -38,7 +38,7 @@ bool ChamberClient::createObject(QString *error)
         return false;
     }
     m_path = reply.value().path();
-    for (const char *name : {"AlertStatus", "ServerStatus", "ServerClosing", "AlertReady"})
+    for (const char *name : {"AlertStatus", "ServerStatus", "ServerClosing", "AlertReady", "AlarmAcknowledged"})
         m_connection.connect(kService, m_path, kAlertInterface, QLatin1String(name), this,
                              SLOT(onSignal(QDBusMessage)));
     return true;
@@ -76,6 +76,22 @@ void ChamberClient::onSignal(const QDBusMessage &message)
 {
     if (m_onEvent)
         m_onEvent(eventLine(message));
+}
+
+bool ChamberClient::acknowledge(const QString &ticket, const QString &who, const QString &comment, bool *result,
+                                QString *error)
+{
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(kService, m_path, kAlertInterface, QStringLiteral("Acknowledge"));
+    call << ticket << who << comment;
+    return callBool(m_connection, call, result, error);
+}
+
+bool ChamberClient::clear(const QString &ticket, bool *result, QString *error)
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(kService, m_path, kAlertInterface, QStringLiteral("Clear"));
+    call << ticket;
+    return callBool(m_connection, call, result, error);
 }
 
 } // namespace osprel

@@ -22,6 +22,8 @@ public:
     // Each returns false with the bus error in *error when the call itself fails.
     bool sendAlert(const QString &alert, bool *result, QString *error);
     bool serverCmd(const QString &form, qint16 command, const QVariant &custom, bool *result, QString *error);
+    bool acknowledge(const QString &ticket, const QString &who, const QString &comment, bool *result, QString *error);
+    bool clear(const QString &ticket, bool *result, QString *error);
 
     // Called with each event, already as its one-line text.
     void setEventHandler(std::function<void(const QString &)> handler) { m_onEvent = std::move(handler); }

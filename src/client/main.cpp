@@ -50,7 +50,9 @@ int main(int argc, char **argv)
     parser.setApplicationDescription(QStringLiteral(
         "Talks to the Osprel EmailFax server as a chamber program does: creates an alert object, links with "
         "command 1, sends the alerts given as arguments (or read from standard input, one a line) and the "
-        "commands given with --cmd, prints every event it receives as one line, and unlinks.\n\n"
+        "commands given with --cmd, prints every event it receives as one line, and unlinks.\n"
+        "With --ack or --clear it only acknowledges or clears that ticket, without linking, and exits 0 when the "
+        "server took it, 1 when there is no such open ticket.\n\n"
         "Environment:\n  DBUS_SESSION_BUS_ADDRESS  the session bus, when --bus is not given"));
     parser.addHelpOption();
     parser.addVersionOption();
@@ -76,9 +78,28 @@ int main(int argc, char **argv)
     const QCommandLineOption timeoutOption(QStringLiteral("timeout"),
                                            QStringLiteral("Seconds to wait for an idle unlink (default 30)."),
                                            QStringLiteral("seconds"), QStringLiteral("30"));
-    parser.addOptions(
-        {busOption, formOption, noLinkOption, stdinOption, cmdOption, waitOption, unlinkOption, timeoutOption});
+    const QCommandLineOption ackOption(QStringLiteral("ack"), QStringLiteral("Acknowledge this ticket (with --who)."),
+                                       QStringLiteral("ticket"));
+    const QCommandLineOption whoOption(QStringLiteral("who"), QStringLiteral("Who acknowledges or clears."),
+                                       QStringLiteral("name"));
+    const QCommandLineOption commentOption(QStringLiteral("comment"),
+                                           QStringLiteral("A comment stored with the acknowledgement."),
+                                           QStringLiteral("text"));
+    const QCommandLineOption clearOption(QStringLiteral("clear"), QStringLiteral("Clear this ticket."),
+                                         QStringLiteral("ticket"));
+    parser.addOptions({busOption, formOption, noLinkOption, stdinOption, cmdOption, waitOption, unlinkOption,
+                       timeoutOption, ackOption, whoOption, commentOption, clearOption});
     parser.process(app);
+
+    const bool ticketOnly = parser.isSet(ackOption) || parser.isSet(clearOption);
+    if (parser.isSet(ackOption) && parser.value(whoOption).trimmed().isEmpty()) {
+        err(QStringLiteral("--ack needs --who NAME"));
+        return 2;
+    }
+    if (parser.isSet(ackOption) && parser.isSet(clearOption)) {
+        err(QStringLiteral("--ack and --clear do not go together"));
+        return 2;
+    }
 
     QDBusConnection bus = parser.isSet(busOption)
                               ? QDBusConnection::connectToBus(parser.value(busOption), QStringLiteral("osprel-client"))
@@ -95,6 +116,21 @@ int main(int argc, char **argv)
         return 2;
     }
     out(QStringLiteral("object ") + client.objectPath());
+
+    if (ticketOnly) {
+        bool result = false;
+        const bool ack = parser.isSet(ackOption);
+        const bool called = ack ? client.acknowledge(parser.value(ackOption), parser.value(whoOption),
+                                                     parser.value(commentOption), &result, &error)
+                                : client.clear(parser.value(clearOption), &result, &error);
+        const QString method = ack ? QStringLiteral("Acknowledge") : QStringLiteral("Clear");
+        if (!called) {
+            err(method + QStringLiteral(" failed: ") + error);
+            return 2;
+        }
+        out(method + QStringLiteral(" -> ") + boolText(result));
+        return result ? 0 : 1;
+    }
 
     const QString form = parser.value(formOption);
     int failures = 0;

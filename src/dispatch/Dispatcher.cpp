@@ -70,9 +70,12 @@ void Dispatcher::dispatchHead()
     const QString summaryLine = summary.line();
     const bool sendNow = level != LevelIgnore && info.Immediate;
 
-    if (sendNow)
-        queueSendJobs(m_lists, m_timers, m_switches,
-                      {message, summary.chamberName, summary.categoryName, summaryLine, summary.alertNumber});
+    if (sendNow) {
+        SendJob job{message, summary.chamberName, summary.categoryName, summaryLine, summary.alertNumber};
+        if (m_immediateHook)
+            m_immediateHook(level, job);
+        queueSendJobs(m_lists, m_timers, m_switches, job);
+    }
     incoming.remove(1);
     // Independently of sending, a level with a report interval holds the alarm for its summary. A cleared record
     // has interval 0, so an ignored category's alarm is held too, under level 3.

@@ -4,6 +4,7 @@
 // level's summary report is due.
 
 #include "LevelRecord.h"
+#include "QueueRoutines.h"
 
 #include <QObject>
 #include <functional>
@@ -34,6 +35,11 @@ public:
     // Switches TimerMsgQue on when it is off and off when it is on; returns the button's new caption.
     QString cmdEnableTimer_Click();
 
+    // Told of every alert sent at once, with its level, just before its jobs are queued; it may change the job (an
+    // alert that opens a ticket carries the ticket's code in its subject and text).
+    using ImmediateHook = std::function<void(qint16 level, SendJob &job)>;
+    void setImmediateHook(ImmediateHook hook) { m_immediateHook = std::move(hook); }
+
 private:
     void dispatchHead();
     void dropPoisonedHead();
@@ -45,6 +51,7 @@ private:
     SendSwitches &m_switches;
     AlertLink &m_link;
     std::function<void()> m_sendStatUpdate;
+    ImmediateHook m_immediateHook;
     SentFlags m_sent[3];
     int m_headFailures = 0;
 };

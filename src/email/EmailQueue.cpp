@@ -32,21 +32,25 @@ void EmailQueue::TimerEmailMsgQue_Timer()
     guarded(QStringLiteral("TimerEmailMsgQue_Timer"), [&] {
         ListStore &queue = m_lists.lvwSendEmailQue;
         // Only with nothing under way, messaging on, a job and somebody to send it to.
-        if (m_smtp.SmtpState() != 0 || g.gintEmailSendState != 0 || !m_port.chkEnableEmail() || queue.isEmpty() ||
-            m_lists.lvwEmailContacts.isEmpty())
+        if (m_smtp.SmtpState() != 0 || g.gintEmailSendState != 0 || !m_port.chkEnableEmail() || queue.isEmpty())
             return;
         // A deferred job waits for its next try while the others go on; the timer keeps ticking for it.
         if (!bringDueJobToTop(queue, Clock::now()))
+            return;
+        // An escalation names its own recipients; every other job goes to the e-mail list as it stands now.
+        const bool own = hasOwnRecipients(queue.text(1, 6));
+        const QString recipients = own ? queue.text(1, 4) : g.gstrEmailRecipients;
+        if (recipients.isEmpty() || (!own && m_lists.lvwEmailContacts.isEmpty()))
             return;
         m_timers.TimerEmailMsgQue.stop(); // the dispatcher or the outcome switches it on again
         g.glngEmailAttempts = queue.text(1, EmailJobColumn::Attempts).toInt();
         const QString body = queue.text(1, 2);
         const QString subject = queue.text(1, 3) + QStringLiteral(" Chamber Notification: ") + queue.text(1, 6);
-        m_smtp.SendEmail(g.gstrEmailRecipients, subject, body, queue.text(1, EmailJobColumn::MessageId));
+        m_smtp.SendEmail(recipients, subject, body, queue.text(1, EmailJobColumn::MessageId));
         if (queue.text(1, EmailJobColumn::MessageId).isEmpty())
             queue.setText(1, EmailJobColumn::MessageId, m_smtp.messageId());
         Q_EMIT sendingStarted();
-        addDeliveryRow(m_lists, 0, QStringLiteral("Sending"), g.gstrEmailRecipients, queue.text(1, 7));
+        addDeliveryRow(m_lists, 0, QStringLiteral("Sending"), recipients, queue.text(1, 7));
     });
 }
 

@@ -69,8 +69,10 @@ void FaxQueue::TimerFaxMsgQue_Timer()
 {
     guarded(QStringLiteral("TimerFaxMsgQue_Timer"), [&] {
         ListStore &queue = m_lists.lvwSendFaxQue;
-        // Stricter than SendFax: only an idle device (state 1) takes the next fax from here.
-        if (g.gintFaxSendState == 0 && !queue.isEmpty() && !m_lists.lvwFaxContacts.isEmpty() && m_page.chkEnableFax() &&
+        // Stricter than SendFax: only an idle device (state 1) takes the next fax from here. An escalation names its
+        // own recipient, so it goes even while the fax list is empty.
+        if (g.gintFaxSendState == 0 && !queue.isEmpty() &&
+            (!m_lists.lvwFaxContacts.isEmpty() || hasOwnRecipients(queue.text(1, 6))) && m_page.chkEnableFax() &&
             m_engine.state() <= FaxEngine::Idle) {
             const RecipientRec recipient = LVWGetFirstFaxQueContact(m_lists);
             WriteToFile(queue.text(1, 2).split(QStringLiteral("\r\n")), recipient);

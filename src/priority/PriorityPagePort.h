@@ -3,6 +3,7 @@
 // mark.
 
 #include "LevelRecord.h"
+#include "TicketRule.h"
 
 #include <QString>
 
@@ -20,6 +21,8 @@ struct LevelFrameValues
     bool chkAfterXTimes = false;
     QString cboAfterXTimes;
     QString cboResetHours, cboResetWeekday;
+    // Acknowledgement, repeat and escalation (numbers as the spin boxes hold them).
+    TicketRule ticket;
 };
 
 class PriorityPagePort
@@ -28,6 +31,8 @@ public:
     virtual ~PriorityPagePort() = default;
     // Fills the page from the three level definitions.
     virtual void showLevelDefinitions(const LevelRecord (&levels)[3]) = 0;
+    // Fills each level's acknowledgement, repeat and escalation controls.
+    virtual void showTicketRules(const TicketRule (&rules)[3]) = 0;
     virtual LevelFrameValues levelFrame(int level) const = 0;
     // Accept and Cancel enabled and the change warning shown, or not.
     virtual void setPrioritySetupChanged(bool changed) = 0;

@@ -116,8 +116,11 @@ void PrioritySetup::cmdAcceptPriority_Click()
 {
     guarded(QStringLiteral("cmdAcceptPriority_Click"), [&] {
         for (int level = 0; level < 3; ++level) {
-            m_store.level(level) = recordOf(m_priorityPage.levelFrame(level));
+            const LevelFrameValues frame = m_priorityPage.levelFrame(level);
+            m_store.level(level) = recordOf(frame);
             m_store.DBAddPriority(m_store.level(level), QString::fromLatin1(kLevelKeys[level]));
+            m_store.ticketRule(level) = frame.ticket.bounded();
+            m_store.DBAddTicketRule(qint16(level));
         }
         SetPrioritySetupUnchanged();
     });

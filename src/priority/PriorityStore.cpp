@@ -67,6 +67,43 @@ void PriorityStore::DBInitAlarmPriSetup()
         rows.finish();
         m_priorityPage.showLevelDefinitions(m_levels);
     });
+    DBInitTicketRules();
+}
+
+void PriorityStore::DBInitTicketRules()
+{
+    guarded(QStringLiteral("DBInitTicketRules"), [&] {
+        for (TicketRule &rule : m_ticketRules)
+            rule = TicketRule();
+        QSqlQuery rows = m_database.run(QStringLiteral("SELECT PriorityID, AckRequired, RepeatMinutes, RepeatTimes,"
+                                                       " EscalateMinutes FROM SetupTicketRule"));
+        while (rows.next()) {
+            const int level = rows.value(0).toInt();
+            if (level < LevelHigh || level > LevelLow)
+                continue;
+            TicketRule r;
+            r.AckRequired = rows.value(1).toLongLong() != 0;
+            r.RepeatMinutes = qint16(qBound(0LL, rows.value(2).toLongLong(), qint64(TicketRule::kMaxMinutes)));
+            r.RepeatTimes = qint16(qBound(0LL, rows.value(3).toLongLong(), qint64(TicketRule::kMaxTimes)));
+            r.EscalateMinutes = qint16(qBound(0LL, rows.value(4).toLongLong(), qint64(TicketRule::kMaxMinutes)));
+            m_ticketRules[level] = r;
+        }
+        rows.finish();
+        m_priorityPage.showTicketRules(m_ticketRules);
+    });
+}
+
+void PriorityStore::DBAddTicketRule(qint16 level)
+{
+    guarded(QStringLiteral("DBAddTicketRule"), [&] {
+        if (level < LevelHigh || level > LevelLow)
+            raise(Err::SubscriptOutOfRange);
+        const TicketRule &r = m_ticketRules[level];
+        // One row per level: written whole, made when missing.
+        m_database.run(QStringLiteral("INSERT OR REPLACE INTO SetupTicketRule (PriorityID, AckRequired, RepeatMinutes,"
+                                      " RepeatTimes, EscalateMinutes) VALUES (?, ?, ?, ?, ?)"),
+                       {int(level), int(r.AckRequired), r.RepeatMinutes, r.RepeatTimes, r.EscalateMinutes});
+    });
 }
 
 void PriorityStore::DBAddCatPriority()

@@ -3,6 +3,7 @@
 // the three sending levels, loaded at start and saved when the screens accept a change.
 
 #include "LevelRecord.h"
+#include "TicketRule.h"
 
 #include <QString>
 
@@ -21,6 +22,10 @@ public:
     void DBInitAlarmPriSetup();
     void DBAddCatPriority();
     void DBAddPriority(const LevelRecord &Definition, const QString &Key);
+    // The levels' acknowledgement, repeat and escalation rules (SetupTicketRule, one row per level): loaded with
+    // the level definitions, saved with them by the priority page's Accept.
+    void DBInitTicketRules();
+    void DBAddTicketRule(qint16 level);
 
     qint16 GetPriotiryLevel(const QString &CategoryName);
     void GetPriotiryLevelInfo(LevelRecord &Definition, qint16 Level);
@@ -29,6 +34,8 @@ public:
     QString &categoryLevel(int index) { return m_categoryLevels[index]; }
     const LevelRecord &level(int index) const { return m_levels[index]; }
     LevelRecord &level(int index) { return m_levels[index]; }
+    const TicketRule &ticketRule(int index) const { return m_ticketRules[index]; }
+    TicketRule &ticketRule(int index) { return m_ticketRules[index]; }
 
 private:
     const Database &m_database;
@@ -36,6 +43,7 @@ private:
     PriorityPagePort &m_priorityPage;
     QString m_categoryLevels[8];
     LevelRecord m_levels[3];
+    TicketRule m_ticketRules[3];
 };
 
 } // namespace osprel

@@ -32,9 +32,14 @@ bool DBEditRecipient(const Database &database, qint16 mode, const RecipientRec &
         const qint64 rowid = findContact(database, rec.LastName, rec.FirstName);
         if (!rowid)
             raise(Err::NoCurrentRecord);
-        const QString column =
-            mode == EnableEmail || mode == DisableEmail ? QStringLiteral("EMailEnabled") : QStringLiteral("FaxEnabled");
-        const int value = mode == EnableEmail || mode == EnableFax ? 1 : 0;
+        const QString column = mode == EnableEmail || mode == DisableEmail ? QStringLiteral("EMailEnabled")
+                               : mode == EnableFax || mode == DisableFax   ? QStringLiteral("FaxEnabled")
+                               : mode == EnableEscalation || mode == DisableEscalation
+                                   ? QStringLiteral("EscalationEnabled")
+                                   : QString();
+        if (column.isEmpty())
+            raise(Err::InvalidProcedureCall);
+        const int value = mode == EnableEmail || mode == EnableFax || mode == EnableEscalation ? 1 : 0;
         database.run(QStringLiteral("UPDATE Contacts SET ") + column + QStringLiteral(" = ? WHERE rowid = ?"),
                      {value, rowid});
     });

@@ -8,9 +8,16 @@ namespace osprel {
 
 class Database;
 
-enum RecipientEdit : qint16 { EnableEmail = 0, EnableFax = 1, DisableEmail = 2, DisableFax = 3 };
+enum RecipientEdit : qint16 {
+    EnableEmail = 0,
+    EnableFax = 1,
+    DisableEmail = 2,
+    DisableFax = 3,
+    EnableEscalation = 4,
+    DisableEscalation = 5
+};
 
-// Switches the person's e-mail or fax flag on or off.
+// Switches the person's e-mail, fax or escalation flag on or off.
 bool DBEditRecipient(const Database &database, qint16 mode, const RecipientRec &rec);
 // Writes names, addresses and notes into the row of (oldLast, oldFirst), or into a new row when oldLast is null.
 bool DBAddEditMainContact(const Database &database, const QString &oldLast, const QString &oldFirst,

@@ -15,7 +15,7 @@
 namespace osprel {
 
 namespace {
-enum ListType : qint16 { AllContacts = 0, EmailList = 1, FaxList = 2 };
+enum ListType : qint16 { AllContacts = 0, EmailList = 1, FaxList = 2, EscalationList = 3 };
 const QString kAlreadyExists = QStringLiteral("Contact already exists.");
 
 int findRow(const ListStore &list, const QString &last, const QString &first)
@@ -79,13 +79,21 @@ void Recipients::LVWAddFaxContact(const RecipientRec &rec)
     });
 }
 
+void Recipients::LVWAddEscalationContact(const RecipientRec &rec)
+{
+    guarded(QStringLiteral("LVWAddEscalationContact"), [&] {
+        m_lists.lvwEscalationContacts.add(QStringList{rec.LastName, rec.FirstName, rec.EmailName, rec.FaxNumber});
+    });
+}
+
 bool Recipients::LVWDupCheck(const RecipientRec &rec)
 {
     bool found = false;
     guarded(QStringLiteral("LVWDupCheck"), [&] {
-        const ListStore &list = rec.ListType == EmailList ? m_lists.lvwEmailContacts
-                                : rec.ListType == FaxList ? m_lists.lvwFaxContacts
-                                                          : m_lists.lvwMainContacts;
+        const ListStore &list = rec.ListType == EmailList        ? m_lists.lvwEmailContacts
+                                : rec.ListType == FaxList        ? m_lists.lvwFaxContacts
+                                : rec.ListType == EscalationList ? m_lists.lvwEscalationContacts
+                                                                 : m_lists.lvwMainContacts;
         found = findRow(list, rec.LastName, rec.FirstName) != 0; // names compare exactly: case counts
     });
     return found;
@@ -211,8 +219,8 @@ bool Recipients::editContact(const RecipientRec &rec)
     const QStringList columns{rec.LastName, rec.FirstName, rec.EmailName, rec.FaxNumber};
     for (int column = 1; column <= 4; ++column)
         all.setText(row, column, columns.at(column - 1));
-    const bool filed =
-        refileAddress(EmailList, oldLast, oldFirst, rec) && refileAddress(FaxList, oldLast, oldFirst, rec);
+    const bool filed = refileAddress(EmailList, oldLast, oldFirst, rec) &&
+                       refileAddress(FaxList, oldLast, oldFirst, rec) && refileEscalation(oldLast, oldFirst, rec);
     gintSelEmailContact = 0; // the rows found by the old names were filed again
     gintSelFaxContact = 0;
     CopyEmailToRecipientStr(m_lists);
@@ -246,6 +254,26 @@ bool Recipients::refileAddress(int listType, const QString &oldLast, const QStri
     return DBEditRecipient(m_database, listType == EmailList ? EnableEmail : EnableFax, filed);
 }
 
+// Somebody on the escalation list stays there under the new names and addresses, unless both addresses were emptied.
+bool Recipients::refileEscalation(const QString &oldLast, const QString &oldFirst, const RecipientRec &rec)
+{
+    ListStore &list = m_lists.lvwEscalationContacts;
+    const int old = findRow(list, oldLast, oldFirst);
+    if (!old)
+        return true;
+    list.remove(old);
+    if (rec.EmailName.isEmpty() && rec.FaxNumber.isEmpty())
+        return DBEditRecipient(m_database, DisableEscalation, rec);
+    RecipientRec filed = rec;
+    filed.ListType = EscalationList;
+    if (LVWDupCheck(filed)) {
+        m_editor.setLblContactErr(kAlreadyExists);
+        return false;
+    }
+    LVWAddEscalationContact(filed);
+    return true; // the flag travelled with the row
+}
+
 void Recipients::cmdContactsCancel_Click()
 {
     guarded(QStringLiteral("cmdContactsCancel_Click"), [&] { closeEditor(); });
@@ -271,6 +299,10 @@ void Recipients::cmdDelete_Click()
         if (const int row = findRow(m_lists.lvwFaxContacts, rec.LastName, rec.FirstName)) {
             gintSelFaxContact = qint16(row);
             cmdRemFaxAdr_Click();
+        }
+        if (const int row = findRow(m_lists.lvwEscalationContacts, rec.LastName, rec.FirstName)) {
+            gintSelEscalationContact = qint16(row);
+            cmdRemEscalation_Click();
         }
         if (!DBDeleteMainContact(m_database, rec))
             return;
@@ -334,6 +366,36 @@ void Recipients::cmdRemFaxAdr_Click()
         if (DBEditRecipient(m_database, DisableFax, rec))
             m_lists.lvwFaxContacts.remove(gintSelFaxContact);
         gintSelFaxContact = 0;
+    });
+}
+
+void Recipients::cmdAddEscalation_Click()
+{
+    guarded(QStringLiteral("cmdAddEscalation_Click"), [&] {
+        if (gintSelMainContact == 0)
+            return;
+        RecipientRec rec = LVWGetSelectedMainContact(gintSelMainContact);
+        rec.ListType = EscalationList;
+        // Somebody who can be reached neither way is not added, as on the other lists.
+        if (!LVWDupCheck(rec) && !rec.LastName.isEmpty() && !rec.FirstName.isEmpty() &&
+            !(rec.EmailName.isEmpty() && rec.FaxNumber.isEmpty())) {
+            if (DBEditRecipient(m_database, EnableEscalation, rec))
+                LVWAddEscalationContact(rec);
+        }
+    });
+}
+
+void Recipients::cmdRemEscalation_Click()
+{
+    guarded(QStringLiteral("cmdRemEscalation_Click"), [&] {
+        if (gintSelEscalationContact == 0)
+            return;
+        RecipientRec rec;
+        rec.LastName = m_lists.lvwEscalationContacts.text(gintSelEscalationContact, 1);
+        rec.FirstName = m_lists.lvwEscalationContacts.text(gintSelEscalationContact, 2);
+        if (DBEditRecipient(m_database, DisableEscalation, rec))
+            m_lists.lvwEscalationContacts.remove(gintSelEscalationContact);
+        gintSelEscalationContact = 0;
     });
 }
 

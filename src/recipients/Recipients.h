@@ -1,6 +1,7 @@
 #pragma once
-// Recipients management: the people who receive notifications, and who of them gets e-mail and who fax. Every
-// change goes to the Contacts table at once, and the three contact lists are kept in step with it.
+// Recipients management: the people who receive notifications, who of them gets e-mail and who fax, and who is told
+// when an alarm goes unacknowledged (the escalation list). Every change goes to the Contacts table at once, and the
+// contact lists are kept in step with it.
 
 #include "ContactEditorPort.h"
 #include "QueueRoutines.h"
@@ -26,6 +27,7 @@ public:
     qint16 gintSelMainContact = 0;
     qint16 gintSelEmailContact = 0;
     qint16 gintSelFaxContact = 0;
+    qint16 gintSelEscalationContact = 0;
     // The editor: 0 adds a person, 1 edits one; the key of the edited row is "index;last;first".
     qint16 gintContactEditMode = 0;
     QString gstrContactEditKey;
@@ -35,6 +37,7 @@ public:
     RecipientRec LVWGetSelectedFaxContact(int index);
     void LVWAddEMailContact(const RecipientRec &rec);
     void LVWAddFaxContact(const RecipientRec &rec);
+    void LVWAddEscalationContact(const RecipientRec &rec);
     bool LVWDupCheck(const RecipientRec &rec);
 
     void cmdNew_Click();
@@ -46,9 +49,13 @@ public:
     void cmdRemEmailAdr_Click();
     void cmdAddFaxAdr_Click();
     void cmdRemFaxAdr_Click();
+    // The escalation list takes anybody with an e-mail address or a fax number.
+    void cmdAddEscalation_Click();
+    void cmdRemEscalation_Click();
     void lvwMainContacts_ItemClick(int index);
     void lvwEmailContacts_ItemClick(int index) { gintSelEmailContact = qint16(index); }
     void lvwFaxContacts_ItemClick(int index) { gintSelFaxContact = qint16(index); }
+    void lvwEscalationContacts_ItemClick(int index) { gintSelEscalationContact = qint16(index); }
 
 private:
     static RecipientRec readRow(const QString &procedure, const ListStore &list, int index, int emailColumn,
@@ -59,6 +66,7 @@ private:
     bool editContact(const RecipientRec &rec);
     // Takes the person (by the names the lists know) out of one address list, and back in when the address is there.
     bool refileAddress(int listType, const QString &oldLast, const QString &oldFirst, const RecipientRec &rec);
+    bool refileEscalation(const QString &oldLast, const QString &oldFirst, const RecipientRec &rec);
     void closeEditor();
 
     FormLists &m_lists;

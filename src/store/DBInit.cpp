@@ -29,6 +29,8 @@ void loadContacts(const Database &database, FormLists &lists)
         }
         const bool email = contacts.value(QStringLiteral("EMailEnabled")).toInt() != 0;
         const bool fax = contacts.value(QStringLiteral("FaxEnabled")).toInt() != 0;
+        // A file not yet upgraded has no escalation column: nobody is on that list.
+        const bool escalation = contacts.value(QStringLiteral("EscalationEnabled")).toInt() != 0;
         const QString address = textOrEmpty(contacts, "EmailName");
         const QString number = textOrEmpty(contacts, "FaxNumber");
         lists.lvwMainContacts.add(QStringList{last.toString(), first.toString(), address, number});
@@ -36,6 +38,8 @@ void loadContacts(const Database &database, FormLists &lists)
             lists.lvwEmailContacts.add(QStringList{last.toString(), first.toString(), address});
         if (fax)
             lists.lvwFaxContacts.add(QStringList{last.toString(), first.toString(), number});
+        if (escalation)
+            lists.lvwEscalationContacts.add(QStringList{last.toString(), first.toString(), address, number});
     }
     contacts.finish();
     // Rows without both names were left half-entered; they are removed at start.

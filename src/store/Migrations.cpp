@@ -53,6 +53,26 @@ const QList<Migration> &migrations()
          {QStringLiteral("CREATE TABLE IF NOT EXISTS ProofOfLife (DailyStatus INTEGER DEFAULT 0, DailyAt TEXT DEFAULT "
                          "'07:00', DailyTo INTEGER DEFAULT 0, PingUrl TEXT, PingMinutes INTEGER DEFAULT 5, "
                          "LastDailyStatus TEXT)")}},
+        // 6: acknowledgement, repeat and escalation. Each level's rule (a row per level, none asking for anything
+        // until set); who of the contacts is on the escalation list, beside the e-mail and fax flags; the tickets
+        // that immediate notifications opened, with their schedule, so that a restart continues it; and every
+        // acknowledgement and clear of a ticket.
+        {6,
+         {QStringLiteral("CREATE TABLE IF NOT EXISTS SetupTicketRule (PriorityID INTEGER PRIMARY KEY,"
+                         " AckRequired INTEGER NOT NULL DEFAULT 0 CHECK (AckRequired IN (0, 1)),"
+                         " RepeatMinutes INTEGER NOT NULL DEFAULT 0, RepeatTimes INTEGER NOT NULL DEFAULT 0,"
+                         " EscalateMinutes INTEGER NOT NULL DEFAULT 0)"),
+          QStringLiteral("INSERT OR IGNORE INTO SetupTicketRule (PriorityID) VALUES (0), (1), (2)"),
+          QStringLiteral("ALTER TABLE Contacts ADD COLUMN EscalationEnabled INTEGER NOT NULL DEFAULT 0"
+                         " CHECK (EscalationEnabled IN (0, 1))"),
+          QStringLiteral("CREATE TABLE IF NOT EXISTS Tickets (Code TEXT PRIMARY KEY, Level INTEGER, ChamberName TEXT,"
+                         " Category TEXT, AlertNumber TEXT, AlarmMsg TEXT, HistData TEXT, OpenedAt TEXT,"
+                         " RepeatMinutes INTEGER, RepeatTimes INTEGER, EscalateMinutes INTEGER,"
+                         " Repeats INTEGER NOT NULL DEFAULT 0, NextRepeat TEXT, EscalatedAt TEXT,"
+                         " State INTEGER NOT NULL DEFAULT 0, ByFax INTEGER NOT NULL DEFAULT 0)"),
+          QStringLiteral("CREATE INDEX IF NOT EXISTS TicketsByState ON Tickets (State)"),
+          QStringLiteral("CREATE TABLE IF NOT EXISTS TicketActions (Code TEXT NOT NULL, Action TEXT NOT NULL,"
+                         " Who TEXT, How TEXT, Comment TEXT, At TEXT NOT NULL)")}},
     };
     return list;
 }

@@ -3,6 +3,7 @@
 #include "EmailFaxServer.h"
 #include "ListView.h"
 #include "MainWindow.h"
+#include "pages/ActiveAlarmsPage.h"
 #include "pages/AdvModemPanel.h"
 #include "pages/AlarmSetupPage.h"
 #include "pages/CommSetupPage.h"
@@ -154,6 +155,8 @@ void wireRecipients(MainWindow &window, EmailFaxServer &server)
     onClick(page.cmdRemEmailAdr, window, [&recipients] { recipients.cmdRemEmailAdr_Click(); });
     onClick(page.cmdAddFaxAdr, window, [&recipients] { recipients.cmdAddFaxAdr_Click(); });
     onClick(page.cmdRemFaxAdr, window, [&recipients] { recipients.cmdRemFaxAdr_Click(); });
+    onClick(page.cmdAddEscalation, window, [&recipients] { recipients.cmdAddEscalation_Click(); });
+    onClick(page.cmdRemEscalation, window, [&recipients] { recipients.cmdRemEscalation_Click(); });
     QObject::connect(
         page.lvwMainContacts, &QAbstractItemView::clicked, &window,
         [&recipients](const QModelIndex &index) { recipients.lvwMainContacts_ItemClick(index.row() + 1); });
@@ -167,9 +170,42 @@ void wireRecipients(MainWindow &window, EmailFaxServer &server)
                      [&recipients](const QModelIndex &i) { recipients.lvwEmailContacts_ItemClick(i.row() + 1); });
     QObject::connect(page.lvwFaxContacts, &QAbstractItemView::clicked, &window,
                      [&recipients](const QModelIndex &i) { recipients.lvwFaxContacts_ItemClick(i.row() + 1); });
+    QObject::connect(page.lvwEscalationContacts, &QAbstractItemView::clicked, &window,
+                     [&recipients](const QModelIndex &i) { recipients.lvwEscalationContacts_ItemClick(i.row() + 1); });
     const ContactEditor::Controls &editor = window.contactEditor()->ui;
     onClick(editor.cmdContactsOK, window, [&recipients] { recipients.cmdContactsOK_Click(); });
     onClick(editor.cmdContactsCancel, window, [&recipients] { recipients.cmdContactsCancel_Click(); });
+}
+
+void wireActiveAlarms(MainWindow &window, EmailFaxServer &server)
+{
+    ActiveAlarmsPage *page = window.activeAlarmsPage();
+    auto noTicket = [&window] {
+        window.showMessage(QStringLiteral("No Alarm Selected"), QStringLiteral("Select an alarm in the list first."));
+    };
+    onClick(page->ui.cmdAcknowledge, window, [&window, &server, page, noTicket] {
+        const QString ticket = page->selectedTicket();
+        if (ticket.isEmpty())
+            return noTicket();
+        if (page->ui.txtAckName->text().trimmed().isEmpty()) {
+            window.showMessage(QStringLiteral("Name Needed"),
+                               QStringLiteral("Enter your name to acknowledge the alarm."));
+            return;
+        }
+        if (server.tickets().acknowledge(ticket, page->ui.txtAckName->text(), page->ui.txtAckComment->text(),
+                                         TicketDesk::ByWindow))
+            page->ui.txtAckComment->clear();
+    });
+    onClick(page->ui.cmdClearAlarm, window, [&window, &server, page, noTicket] {
+        const QString ticket = page->selectedTicket();
+        if (ticket.isEmpty())
+            return noTicket();
+        window.confirm(QStringLiteral("Clear Alarm"),
+                       QStringLiteral("Clear ticket %1? It leaves the list and is sent no more.").arg(ticket),
+                       [&server, page, ticket] {
+                           server.tickets().clear(ticket, page->ui.txtAckName->text(), TicketDesk::ByWindow);
+                       });
+    });
 }
 
 void wireServiceButtons(MainWindow &window, EmailFaxServer &server)
@@ -190,6 +226,7 @@ void wireForm(MainWindow &window, EmailFaxServer &server)
     wireFax(window, server);
     wireAlarmSetup(window, server);
     wireRecipients(window, server);
+    wireActiveAlarms(window, server);
     wireServiceButtons(window, server);
 }
 

@@ -6,6 +6,7 @@
 #include "Log.h"
 #include "PageScroll.h"
 #include "TrayIcon.h"
+#include "pages/ActiveAlarmsPage.h"
 #include "pages/AdvModemPanel.h"
 #include "pages/AlarmSetupPage.h"
 #include "pages/CommSetupPage.h"
@@ -34,8 +35,8 @@
 namespace osprel {
 
 namespace {
-const char *const kTabCaptions[6] = {"Email History", "Fax History", "Recipients",
-                                     "Comm Setup",    "Alarm Setup", "Alarm Priority"};
+const char *const kTabCaptions[7] = {"Email History", "Fax History",    "Recipients",   "Comm Setup",
+                                     "Alarm Setup",   "Alarm Priority", "Active Alarms"};
 // Overlay panels open at left 120, top 120 twips over the page.
 constexpr int kOverlayOffset = 120 / 15;
 } // namespace
@@ -114,6 +115,7 @@ void MainWindow::buildPages(FormLists &lists, Log &log)
     m_Frame1[3] = m_commSetup = new CommSetupPage(m_pageArea);
     m_Frame1[4] = m_alarmSetup = new AlarmSetupPage(m_pageArea);
     m_Frame1[5] = m_priority = new PriorityPage(m_pageArea);
+    m_Frame1[6] = m_activeAlarms = new ActiveAlarmsPage(lists, m_pageArea);
     for (QFrame *frame : m_Frame1)
         pages->addWidget(new PageScroll(frame, m_pageArea), 0, 0);
 
@@ -233,6 +235,7 @@ void MainWindow::TabSet(const QString &control)
             {"Alarm Setup", 4, nullptr},
             {"Setup...", -1, m_picAdvModemSetup->ui.cmdCancelModemSetup},
             {"Alarm Priority", 5, nullptr},
+            {"Active Alarms", 6, m_activeAlarms->ui.lvwActiveAlarms},
             {"Form_Load", 0, nullptr},
         };
         for (const Target &target : targets) {

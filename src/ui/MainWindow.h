@@ -16,6 +16,7 @@ class QTabBar;
 
 namespace osprel {
 
+class ActiveAlarmsPage;
 class AdvModemPanel;
 class AlarmSetupPage;
 class CommSetupPage;
@@ -74,6 +75,7 @@ public:
     CommSetupPage *commSetupPage() const { return m_commSetup; }
     AlarmSetupPage *alarmSetupPage() const { return m_alarmSetup; }
     PriorityPage *priorityPage() const { return m_priority; }
+    ActiveAlarmsPage *activeAlarmsPage() const { return m_activeAlarms; }
     QueuePanel *queuePanel() const { return m_queues; }
     ContactEditor *contactEditor() const { return m_picContacts; }
     AdvModemPanel *advModemPanel() const { return m_picAdvModemSetup; }
@@ -100,12 +102,13 @@ private:
     Log &m_log;
     QTabBar *m_SSTab1 = nullptr;
     QWidget *m_pageArea = nullptr;
-    QFrame *m_Frame1[6] = {};
+    QFrame *m_Frame1[7] = {};
     HistoryPage *m_history[2] = {};
     RecipientsPage *m_recipients = nullptr;
     CommSetupPage *m_commSetup = nullptr;
     AlarmSetupPage *m_alarmSetup = nullptr;
     PriorityPage *m_priority = nullptr;
+    ActiveAlarmsPage *m_activeAlarms = nullptr;
     QueuePanel *m_queues = nullptr;
     StatusPanel *m_picStatus = nullptr;
     ContactEditor *m_picContacts = nullptr;

@@ -38,6 +38,7 @@ public:
     void setCategoryCaption(int, const QString &) override {}
     // PriorityPagePort
     void showLevelDefinitions(const osprel::LevelRecord (&)[3]) override { ++definitionsShown; }
+    void showTicketRules(const osprel::TicketRule (&)[3]) override {}
     osprel::LevelFrameValues levelFrame(int level) const override { return frames[level]; }
     void setPrioritySetupChanged(bool changed) override { pageChanged[2] = changed; }
     // ContactEditorPort and RecipientsPagePort

@@ -39,12 +39,7 @@ bool InProcessServer::start(const std::function<void(osprel::Database &)> &prepa
         if (prepare)
             prepare(setup);
     }
-    m_log = std::make_unique<osprel::Log>(m_home.path());
-    m_lists = std::make_unique<osprel::FormLists>();
-    m_window = std::make_unique<osprel::MainWindow>(*m_lists, *m_log);
-    m_server = std::make_unique<osprel::EmailFaxServer>(*m_log, *m_lists, m_window->ports());
-    osprel::wireForm(*m_window, *m_server);
-    m_server->Form_Load();
+    makeServer();
 
     m_bus = std::make_unique<PrivateBus>(PrivateBus::serverEnvironment(m_home.path(), m_timeScale));
     if (!m_bus->start(error))
@@ -54,9 +49,7 @@ bool InProcessServer::start(const std::function<void(osprel::Database &)> &prepa
         return false;
     connect(m_busServer.get(), &osprel::BusServer::objectCreated, this,
             [this](osprel::clsAlertCls *object) { m_object = object; });
-    connect(m_busServer.get(), &osprel::BusServer::ownerLeft, &m_server->link(), &osprel::AlertLink::linkedClientLeft);
-    connect(m_busServer.get(), &osprel::BusServer::objectReleased, &m_server->link(),
-            &osprel::AlertLink::linkedObjectReleased);
+    connectLink();
 
     QDBusConnection chamber = m_bus->connect(QStringLiteral("chamber"));
     m_chamber = chamber.name();
@@ -67,9 +60,40 @@ bool InProcessServer::start(const std::function<void(osprel::Database &)> &prepa
         return false;
     }
     m_path = create.reply().arguments().value(0).value<QDBusObjectPath>().path();
-    for (const char *name : {"AlertStatus", "ServerStatus", "ServerClosing", "AlertReady"})
+    for (const char *name : {"AlertStatus", "ServerStatus", "ServerClosing", "AlertReady", "AlarmAcknowledged"})
         chamber.connect(QString(), m_path, kAlertInterface, QLatin1String(name), this, SLOT(record(QDBusMessage)));
     return true;
+}
+
+void InProcessServer::makeServer()
+{
+    m_log = std::make_unique<osprel::Log>(m_home.path());
+    m_lists = std::make_unique<osprel::FormLists>();
+    m_window = std::make_unique<osprel::MainWindow>(*m_lists, *m_log);
+    m_server = std::make_unique<osprel::EmailFaxServer>(*m_log, *m_lists, m_window->ports());
+    osprel::wireForm(*m_window, *m_server);
+    m_server->Form_Load();
+}
+
+void InProcessServer::connectLink()
+{
+    connect(m_busServer.get(), &osprel::BusServer::ownerLeft, &m_server->link(), &osprel::AlertLink::linkedClientLeft);
+    connect(m_busServer.get(), &osprel::BusServer::objectReleased, &m_server->link(),
+            &osprel::AlertLink::linkedObjectReleased);
+}
+
+void InProcessServer::restart()
+{
+    osprel::g.gblnServerLinked = false;
+    m_server->unload(osprel::EmailFaxServer::ByCode);
+    m_server.reset();
+    m_window.reset();
+    m_lists.reset();
+    m_log.reset();
+    osprel::resetGlobals();
+    osprel::g.gstrAppPath = m_home.path();
+    makeServer();
+    connectLink();
 }
 
 bool InProcessServer::call(const QString &method, const QVariantList &arguments)

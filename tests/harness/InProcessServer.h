@@ -23,6 +23,10 @@ public:
 
     // prepare runs on the new database before the server loads it.
     bool start(const std::function<void(osprel::Database &)> &prepare, QString *error);
+    // Closes the server and its window as at the end of a run and makes them anew on the same data folder, as a
+    // restart of the program does; the bus, its objects and the chamber program's connection stay. The chamber
+    // program links again with link().
+    void restart();
 
     osprel::EmailFaxServer &server() { return *m_server; }
     osprel::MainWindow &window() { return *m_window; }
@@ -44,6 +48,9 @@ private Q_SLOTS:
     void record(const QDBusMessage &message) { m_events.append(message); }
 
 private:
+    void makeServer();
+    void connectLink();
+
     double m_timeScale;
     QTemporaryDir m_home;
     std::unique_ptr<osprel::Log> m_log;

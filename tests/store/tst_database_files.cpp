@@ -21,8 +21,28 @@
 using namespace osprel;
 
 namespace {
-// Every row of every table, as text, read without the server's help.
-QMap<QString, QStringList> dumpTables(const QString &path)
+// The column names of every table, read without the server's help.
+QMap<QString, QStringList> tableColumns(const QString &path)
+{
+    QMap<QString, QStringList> columns;
+    {
+        QSqlDatabase raw = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("columns"));
+        raw.setDatabaseName(path);
+        raw.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
+        if (raw.open()) {
+            for (const QString &table : raw.tables())
+                for (int i = 0; i < raw.record(table).count(); ++i)
+                    columns[table].append(raw.record(table).fieldName(i));
+        }
+        raw.close();
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("columns"));
+    return columns;
+}
+
+// Every row of every table, as text, read without the server's help. With `columnsOf`, a table named there is read in
+// those columns only: a later version may give a table a new column, and the rows must keep every value they had.
+QMap<QString, QStringList> dumpTables(const QString &path, const QMap<QString, QStringList> &columnsOf = {})
 {
     QMap<QString, QStringList> tables;
     {
@@ -33,7 +53,11 @@ QMap<QString, QStringList> dumpTables(const QString &path)
             QSqlQuery names(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table'"), raw);
             while (names.next()) {
                 const QString table = names.value(0).toString();
-                QSqlQuery rows(QStringLiteral("SELECT * FROM ") + table + QStringLiteral(" ORDER BY rowid"), raw);
+                const QString columns =
+                    columnsOf.contains(table) ? columnsOf.value(table).join(QStringLiteral(", ")) : QStringLiteral("*");
+                QSqlQuery rows(QStringLiteral("SELECT ") + columns + QStringLiteral(" FROM ") + table +
+                                   QStringLiteral(" ORDER BY rowid"),
+                               raw);
                 QStringList &lines = tables[table];
                 while (rows.next()) {
                     QStringList values;
@@ -229,6 +253,7 @@ private Q_SLOTS:
         QVERIFY(QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner));
         const QMap<QString, QStringList> before = dumpTables(path);
         QCOMPARE(before.value(QStringLiteral("Contacts")).size(), 3);
+        const QMap<QString, QStringList> columnsBefore = tableColumns(path);
 
         resetGlobals();
         g.gstrAppPath = dir.path();
@@ -249,7 +274,7 @@ private Q_SLOTS:
             g.gblnServerLinked = false;
             server.unload(EmailFaxServer::ByCode);
         }
-        const QMap<QString, QStringList> after = dumpTables(path);
+        const QMap<QString, QStringList> after = dumpTables(path, columnsBefore);
         for (auto table = before.begin(); table != before.end(); ++table)
             QCOMPARE(after.value(table.key()), table.value());
         QSqlDatabase raw = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("version"));

@@ -3,7 +3,10 @@
 #include "BusNames.h"
 #include "clsAlertCls.h"
 
+#include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDBusReply>
+#include <QFile>
 
 namespace osprel {
 
@@ -25,6 +28,9 @@ AlertObjectAdaptor::AlertObjectAdaptor(const QDBusConnection &connection, const 
     connect(object, &clsAlertCls::ServerClosing, this, [this] { emitToOwner(QStringLiteral("ServerClosing"), {}); });
     connect(object, &clsAlertCls::AlertReady, this,
             [this](const QString &text) { emitToOwner(QStringLiteral("AlertReady"), {QVariant(text)}); });
+    connect(object, &clsAlertCls::AlarmAcknowledged, this, [this](const QString &ticket, const QString &who) {
+        emitToOwner(QStringLiteral("AlarmAcknowledged"), {QVariant(ticket), QVariant(who)});
+    });
 }
 
 bool AlertObjectAdaptor::SendAlert(const QString &strAlertString)
@@ -56,6 +62,36 @@ bool AlertObjectAdaptor::Heartbeat(uint seconds)
     if (!callerIsOwner() || !m_object)
         return false;
     return m_object->Heartbeat(seconds);
+}
+
+bool AlertObjectAdaptor::Acknowledge(const QString &ticket, const QString &who, const QString &comment)
+{
+    if (!callerIsOwner() || !m_object)
+        return false;
+    return m_object->Acknowledge(ticket, who, comment, callerRoad());
+}
+
+bool AlertObjectAdaptor::Clear(const QString &ticket)
+{
+    if (!callerIsOwner() || !m_object)
+        return false;
+    return m_object->Clear(ticket, callerRoad());
+}
+
+// The bus knows the calling process; its name tells a person at the command line from a chamber program.
+QString AlertObjectAdaptor::callerRoad()
+{
+    if (calledFromDBus()) {
+        if (QDBusConnectionInterface *bus = connection().interface()) {
+            const QDBusReply<uint> pid = bus->servicePid(message().service());
+            if (pid.isValid() && pid.value() > 0) {
+                QFile comm(QStringLiteral("/proc/%1/comm").arg(pid.value()));
+                if (comm.open(QIODevice::ReadOnly) && comm.readAll().trimmed() == "osprel-client")
+                    return QStringLiteral("command line");
+            }
+        }
+    }
+    return QStringLiteral("bus");
 }
 
 bool AlertObjectAdaptor::callerIsOwner()

@@ -31,6 +31,16 @@ class AlertObjectAdaptor : public QObject, protected QDBusContext
                                        "      <arg name=\"seconds\" type=\"u\" direction=\"in\"/>\n"
                                        "      <arg type=\"b\" direction=\"out\"/>\n"
                                        "    </method>\n"
+                                       "    <method name=\"Acknowledge\">\n"
+                                       "      <arg name=\"ticket\" type=\"s\" direction=\"in\"/>\n"
+                                       "      <arg name=\"who\" type=\"s\" direction=\"in\"/>\n"
+                                       "      <arg name=\"comment\" type=\"s\" direction=\"in\"/>\n"
+                                       "      <arg type=\"b\" direction=\"out\"/>\n"
+                                       "    </method>\n"
+                                       "    <method name=\"Clear\">\n"
+                                       "      <arg name=\"ticket\" type=\"s\" direction=\"in\"/>\n"
+                                       "      <arg type=\"b\" direction=\"out\"/>\n"
+                                       "    </method>\n"
                                        "    <signal name=\"AlertStatus\">\n"
                                        "      <arg name=\"lngAlertID\" type=\"i\"/>\n"
                                        "      <arg name=\"intEmailFax\" type=\"n\"/>\n"
@@ -45,6 +55,10 @@ class AlertObjectAdaptor : public QObject, protected QDBusContext
                                        "    <signal name=\"AlertReady\">\n"
                                        "      <arg name=\"strAlertString\" type=\"s\"/>\n"
                                        "    </signal>\n"
+                                       "    <signal name=\"AlarmAcknowledged\">\n"
+                                       "      <arg name=\"ticket\" type=\"s\"/>\n"
+                                       "      <arg name=\"who\" type=\"s\"/>\n"
+                                       "    </signal>\n"
                                        "  </interface>\n")
 public:
     AlertObjectAdaptor(const QDBusConnection &connection, const QString &path, const QString &owner,
@@ -58,9 +72,13 @@ public Q_SLOTS:
     bool SendAlert(const QString &strAlertString);
     bool ServerCmd(const QString &strFormName, short intCmd, const QDBusVariant &CustomStr);
     bool Heartbeat(uint seconds);
+    bool Acknowledge(const QString &ticket, const QString &who, const QString &comment);
+    bool Clear(const QString &ticket);
 
 private:
     bool callerIsOwner();
+    // "command line" when the caller is osprel-client, else "bus".
+    QString callerRoad();
     void emitToOwner(const QString &name, const QVariantList &arguments);
 
     QDBusConnection m_connection;

@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QRadioButton>
 #include <QSignalBlocker>
+#include <QSpinBox>
 #include <QVBoxLayout>
 #include <vector>
 
@@ -109,6 +110,7 @@ LevelFrame::LevelFrame(int level, const QString &caption, QWidget *parent) : QGr
                     3, 1);
     grid->setColumnStretch(2, 1);
     layout->addWidget(occurrences);
+    layout->addWidget(ticketControls(level));
     layout->addStretch(1);
 
     connect(chkOnceEvery, &QCheckBox::clicked, this, &LevelFrame::chkOnceEvery_Click);
@@ -121,6 +123,61 @@ LevelFrame::LevelFrame(int level, const QString &caption, QWidget *parent) : QGr
          {cboHours, cboMinutes, cboWeekday, cboFirstXTimes, cboAfterXTimes, cboResetHours, cboResetWeekday})
         connect(box, &QComboBox::currentTextChanged, this, &LevelFrame::changed);
     setIntervalControlsEnabled(false);
+}
+
+// Acknowledgement: required or not; repeated every N minutes up to K times; escalated after M minutes (0: never).
+QWidget *LevelFrame::ticketControls(int level)
+{
+    auto *box = new QGroupBox(QStringLiteral("Acknowledgement"), this);
+    auto *grid = new QGridLayout(box);
+    chkAckRequired = named(new QCheckBox(QStringLiteral("Acknowledgement required"), box), "chkAckRequired", level);
+    grid->addWidget(chkAckRequired, 0, 0, 1, 3);
+    auto spin = [&](const char *name, int maximum, const QString &suffix) {
+        auto *s = named(new QSpinBox(box), name, level);
+        s->setRange(0, maximum);
+        s->setSuffix(suffix);
+        s->setSpecialValueText(QStringLiteral("never"));
+        return s;
+    };
+    spnRepeatMinutes = spin("spnRepeatMinutes", TicketRule::kMaxMinutes, QStringLiteral(" min"));
+    spnRepeatTimes = spin("spnRepeatTimes", TicketRule::kMaxTimes, QStringLiteral(" times"));
+    spnRepeatTimes->setSpecialValueText(QString());
+    spnEscalateMinutes = spin("spnEscalateMinutes", TicketRule::kMaxMinutes, QStringLiteral(" min"));
+    grid->addWidget(new QLabel(QStringLiteral("Repeat every"), box), 1, 0);
+    grid->addWidget(spnRepeatMinutes, 1, 1);
+    grid->addWidget(new QLabel(QStringLiteral("up to"), box), 2, 0);
+    grid->addWidget(spnRepeatTimes, 2, 1);
+    grid->addWidget(new QLabel(QStringLiteral("Escalate after"), box), 3, 0);
+    grid->addWidget(spnEscalateMinutes, 3, 1);
+    grid->setColumnStretch(2, 1);
+    connect(chkAckRequired, &QCheckBox::clicked, this, [this](bool on) {
+        setTicketControlsEnabled(on);
+        Q_EMIT changed();
+    });
+    for (QSpinBox *s : {spnRepeatMinutes, spnRepeatTimes, spnEscalateMinutes})
+        connect(s, &QSpinBox::valueChanged, this, &LevelFrame::changed);
+    setTicketControlsEnabled(false);
+    return box;
+}
+
+void LevelFrame::setTicketControlsEnabled(bool enabled)
+{
+    for (QSpinBox *s : {spnRepeatMinutes, spnRepeatTimes, spnEscalateMinutes})
+        s->setEnabled(enabled);
+}
+
+void LevelFrame::showTicketRule(const TicketRule &rule)
+{
+    std::vector<QSignalBlocker> blockers;
+    for (QObject *w :
+         std::initializer_list<QObject *>{this, chkAckRequired, spnRepeatMinutes, spnRepeatTimes, spnEscalateMinutes})
+        blockers.emplace_back(w);
+    const TicketRule r = rule.bounded();
+    chkAckRequired->setChecked(r.AckRequired);
+    spnRepeatMinutes->setValue(r.RepeatMinutes);
+    spnRepeatTimes->setValue(r.RepeatTimes);
+    spnEscalateMinutes->setValue(r.EscalateMinutes);
+    setTicketControlsEnabled(r.AckRequired);
 }
 
 void LevelFrame::setIntervalControlsEnabled(bool enabled)
@@ -189,6 +246,10 @@ LevelFrameValues LevelFrame::values() const
     v.cboAfterXTimes = cboAfterXTimes->currentText();
     v.cboResetHours = cboResetHours->currentText();
     v.cboResetWeekday = cboResetWeekday->currentText();
+    v.ticket.AckRequired = chkAckRequired->isChecked();
+    v.ticket.RepeatMinutes = qint16(spnRepeatMinutes->value());
+    v.ticket.RepeatTimes = qint16(spnRepeatTimes->value());
+    v.ticket.EscalateMinutes = qint16(spnEscalateMinutes->value());
     return v;
 }
 

@@ -32,6 +32,12 @@ void PriorityPage::showLevelDefinitions(const LevelRecord (&levels)[3])
         ui.fraPriorityDef[level]->showRecord(levels[level]);
 }
 
+void PriorityPage::showTicketRules(const TicketRule (&rules)[3])
+{
+    for (int level = 0; level < 3; ++level)
+        ui.fraPriorityDef[level]->showTicketRule(rules[level]);
+}
+
 LevelFrameValues PriorityPage::levelFrame(int level) const
 {
     if (level < 0 || level > 2)

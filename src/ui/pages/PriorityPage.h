@@ -20,6 +20,7 @@ public:
 
     // PriorityPagePort
     void showLevelDefinitions(const LevelRecord (&levels)[3]) override;
+    void showTicketRules(const TicketRule (&rules)[3]) override;
     LevelFrameValues levelFrame(int level) const override;
     void setPrioritySetupChanged(bool changed) override;
 

@@ -50,7 +50,7 @@ RecipientsPage::RecipientsPage(FormLists &lists, QWidget *parent) : QFrame(paren
     auto *layout = new QGridLayout(this);
     layout->addWidget(new QLabel(tr("All contacts"), this), 0, 0);
     layout->addWidget(ui.lvwMainContacts = new ListView(lists.lvwMainContacts, ListView::Refresh::Immediate, this), 1,
-                      0, 3, 1);
+                      0, 5, 1);
     ui.cmdAddEmailAdr = button(this, "cmdAddEmailAdr", QStringLiteral(">"), tr("Send e-mail to the selected contact"));
     ui.cmdRemEmailAdr =
         button(this, "cmdRemEmailAdr", QStringLiteral("<"), tr("Stop e-mail to the selected recipient"));
@@ -58,17 +58,25 @@ RecipientsPage::RecipientsPage(FormLists &lists, QWidget *parent) : QFrame(paren
     ui.cmdRemFaxAdr = button(this, "cmdRemFaxAdr", QStringLiteral("<"), tr("Stop faxes to the selected recipient"));
     layout->addLayout(arrows(ui.cmdAddEmailAdr, ui.cmdRemEmailAdr), 1, 1);
     layout->addLayout(arrows(ui.cmdAddFaxAdr, ui.cmdRemFaxAdr), 3, 1);
+    ui.cmdAddEscalation = button(this, "cmdAddEscalation", QStringLiteral(">"),
+                                 tr("Tell the selected contact of alarms nobody acknowledges"));
+    ui.cmdRemEscalation =
+        button(this, "cmdRemEscalation", QStringLiteral("<"), tr("Take the selected person off the escalation list"));
+    layout->addLayout(arrows(ui.cmdAddEscalation, ui.cmdRemEscalation), 5, 1);
     layout->addWidget(new QLabel(tr("E-mail recipients"), this), 0, 2);
     layout->addWidget(ui.lvwEmailContacts = new ListView(lists.lvwEmailContacts, ListView::Refresh::Immediate, this), 1,
                       2);
     layout->addWidget(new QLabel(tr("Fax recipients"), this), 2, 2);
     layout->addWidget(ui.lvwFaxContacts = new ListView(lists.lvwFaxContacts, ListView::Refresh::Immediate, this), 3, 2);
+    layout->addWidget(new QLabel(tr("Escalation"), this), 4, 2);
+    layout->addWidget(
+        ui.lvwEscalationContacts = new ListView(lists.lvwEscalationContacts, ListView::Refresh::Immediate, this), 5, 2);
     auto *buttons = new QHBoxLayout;
     buttons->addWidget(ui.cmdNew = button(this, "cmdNew", QStringLiteral("New")));
     buttons->addWidget(ui.cmdEdit = button(this, "cmdEdit", QStringLiteral("Edit")));
     buttons->addWidget(ui.cmdDelete = button(this, "cmdDelete", QStringLiteral("Delete")));
     buttons->addStretch(1);
-    layout->addLayout(buttons, 4, 0, 1, 3);
+    layout->addLayout(buttons, 6, 0, 1, 3);
     layout->setColumnStretch(0, 3);
     layout->setColumnStretch(2, 2);
     setTabOrder(ui.lvwMainContacts, ui.cmdAddEmailAdr);
@@ -77,7 +85,10 @@ RecipientsPage::RecipientsPage(FormLists &lists, QWidget *parent) : QFrame(paren
     setTabOrder(ui.lvwEmailContacts, ui.cmdAddFaxAdr);
     setTabOrder(ui.cmdAddFaxAdr, ui.cmdRemFaxAdr);
     setTabOrder(ui.cmdRemFaxAdr, ui.lvwFaxContacts);
-    setTabOrder(ui.lvwFaxContacts, ui.cmdNew);
+    setTabOrder(ui.lvwFaxContacts, ui.cmdAddEscalation);
+    setTabOrder(ui.cmdAddEscalation, ui.cmdRemEscalation);
+    setTabOrder(ui.cmdRemEscalation, ui.lvwEscalationContacts);
+    setTabOrder(ui.lvwEscalationContacts, ui.cmdNew);
     setTabOrder(ui.cmdNew, ui.cmdEdit);
     setTabOrder(ui.cmdEdit, ui.cmdDelete);
 }

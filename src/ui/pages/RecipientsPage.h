@@ -1,6 +1,6 @@
 #pragma once
-// Frame1(2): everybody, the e-mail recipients and the fax recipients, with the buttons that add, edit and delete
-// people and move them onto and off the two address lists.
+// Frame1(2): everybody, the e-mail recipients, the fax recipients and the escalation list, with the buttons that
+// add, edit and delete people and move them onto and off the three lists.
 
 #include "RecipientsPagePort.h"
 
@@ -27,9 +27,10 @@ public:
     // The page's controls, by the names the system knows them by.
     struct Controls
     {
-        ListView *lvwMainContacts, *lvwEmailContacts, *lvwFaxContacts;
+        ListView *lvwMainContacts, *lvwEmailContacts, *lvwFaxContacts, *lvwEscalationContacts;
         QPushButton *cmdNew, *cmdEdit, *cmdDelete;
         QPushButton *cmdAddEmailAdr, *cmdRemEmailAdr, *cmdAddFaxAdr, *cmdRemFaxAdr;
+        QPushButton *cmdAddEscalation, *cmdRemEscalation;
     } ui;
 };
 
