@@ -18,6 +18,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <cstdio>
+#include <iterator>
 
 using namespace osprel;
 
@@ -46,6 +47,16 @@ void prepare(const QString &folder)
         setup.run(QStringLiteral("INSERT INTO EmailHistory VALUES (?, ?, ?, ?, ?, ?, ?, ?)"), values);
     }
     setup.run(QStringLiteral("UPDATE AlarmMsgs SET OverWrite = FALSE, Priority = 2, Catagory = 5003 WHERE rowid <= 3"));
+    // Two tickets on Active Alarms: one repeated and escalated, one acknowledged.
+    setup.run(QStringLiteral("UPDATE SetupTicketRule SET AckRequired = 1, RepeatMinutes = 15, RepeatTimes = 4, "
+                             "EscalateMinutes = 30 WHERE PriorityID = 2"));
+    setup.run(QStringLiteral(
+        "INSERT INTO Tickets (Code, Level, ChamberName, Category, AlertNumber, AlarmMsg, HistData, OpenedAt,"
+        " RepeatMinutes, RepeatTimes, EscalateMinutes, Repeats, NextRepeat, EscalatedAt, State, ByFax) VALUES"
+        " ('4821-QX', 2, 'Chamber 4', 'CHAMBER_ALARM', '101', '', '', '2026-11-21T08:14:02.000', 15, 4, 30, 2,"
+        " '2026-11-21T08:59:02.000', '2026-11-21T08:44:02.000', 0, 1),"
+        " ('7305-KD', 2, 'Oven 2', 'PROGRAM_ALARM', '104', '', '', '2026-11-21T09:30:40.000', 15, 4, 30, 0,"
+        " NULL, NULL, 1, 0)"));
 }
 
 bool save(MainWindow &window, const QString &path)
@@ -85,9 +96,9 @@ int main(int argc, char **argv)
 
     bool ok = true;
     auto *tabs = window.findChild<QTabBar *>(QStringLiteral("SSTab1"));
-    const char *names[6] = {"email-history", "fax-history", "recipients",
-                            "comm-setup",    "alarm-setup", "alarm-priority"};
-    for (int i = 0; i < tabs->count(); ++i) {
+    const char *names[] = {"email-history", "fax-history",    "recipients",   "comm-setup",
+                           "alarm-setup",   "alarm-priority", "active-alarms"};
+    for (int i = 0; i < tabs->count() && i < int(std::size(names)); ++i) {
         tabs->setCurrentIndex(i);
         ok &= save(window, out + QStringLiteral("/") + QLatin1String(names[i]) + suffix + QStringLiteral(".png"));
     }
