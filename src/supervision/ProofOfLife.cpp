@@ -91,6 +91,9 @@ void ProofOfLife::load()
         m_settings = stored(m_database);
         QSqlQuery row = m_database.run(QStringLiteral("SELECT LastDailyStatus FROM ProofOfLife LIMIT 1"));
         m_lastDaily = row.next() ? QDateTime::fromString(row.value(0).toString(), Qt::ISODate) : QDateTime();
+        // A set time missed while the server was down is owed since the last status that went; without one, the
+        // first set time after this start is the first owed.
+        m_dueFrom = m_lastDaily.isValid() ? m_lastDaily : m_since;
         apply();
     });
 }
@@ -130,6 +133,10 @@ QString ProofOfLife::accept(const ProofOfLifeSettings &settings)
     });
     if (!stored)
         return QStringLiteral("The proof of life settings could not be stored.");
+    // A daily status switched on or moved counts its set times from now: switched on at 08:00 for 07:00, the first
+    // one goes tomorrow, not at once.
+    if (settings.dailyStatus && (!m_settings.dailyStatus || settings.dailyAt != m_settings.dailyAt))
+        m_dueFrom = Clock::now();
     m_settings = settings;
     apply();
     return QString();
@@ -184,7 +191,7 @@ void ProofOfLife::dailyCheck()
         QDateTime latest(now.date(), m_settings.dailyAt);
         if (latest > now)
             latest = latest.addDays(-1);
-        const QDateTime reference = m_lastDaily.isValid() ? m_lastDaily : m_since;
+        const QDateTime reference = m_lastDaily.isValid() && m_lastDaily > m_dueFrom ? m_lastDaily : m_dueFrom;
         if (reference < latest)
             sendDailyStatus(now);
     });

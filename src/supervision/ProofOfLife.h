@@ -89,6 +89,7 @@ private:
     bool m_pingFailing = false;
     QDateTime m_lastDaily; // when the last daily status went (stored, so a restart neither repeats nor skips it)
     QDateTime m_since;     // the counts run from here
+    QDateTime m_dueFrom;   // set times before this are not owed (the start, or when the daily status was set)
     int m_received = 0;
     int m_sent[2] = {0, 0};
     int m_failed[2] = {0, 0};

@@ -124,10 +124,30 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(dailyStatuses(smtp).size(), 2, 15000);
         QVERIFY(dailyStatuses(smtp).last().contains(QLatin1String("Alerts received:     1")));
 
-        // The time it went is stored: a server started again the same day does not send it again.
-        QSqlQuery last = fixture.server().database().run(QStringLiteral("SELECT LastDailyStatus FROM ProofOfLife"));
-        QVERIFY(last.next());
-        QCOMPARE(QDateTime::fromString(last.value(0).toString(), Qt::ISODate).date(), QDate(2026, 11, 24));
+        // The time it went is stored: a server started again the same day does not send it again; one that was
+        // down at the next set time sends it when it is back, once.
+        now = now.addSecs(600);
+        fixture.restart();
+        fixture.server().proofOfLife().dailyCheck();
+        QTest::qWait(200);
+        QCOMPARE(dailyStatuses(smtp).size(), 2);
+        now = QDateTime(QDate(2026, 11, 25), QTime(9, 30));
+        fixture.restart();
+        QTRY_COMPARE_WITH_TIMEOUT(dailyStatuses(smtp).size(), 3, 15000);
+        QVERIFY(dailyStatuses(smtp).last().contains(QLatin1String("(server start)")));
+
+        // Switched on at 10:00 for 07:00, the first one goes the next day, not at once.
+        ProofOfLifeSettings settings = fixture.server().proofOfLife().settings();
+        settings.dailyStatus = false;
+        QVERIFY(fixture.server().proofOfLife().accept(settings).isEmpty());
+        now = QDateTime(QDate(2026, 11, 27), QTime(10, 0));
+        settings.dailyStatus = true;
+        QVERIFY(fixture.server().proofOfLife().accept(settings).isEmpty());
+        fixture.server().proofOfLife().dailyCheck();
+        QTest::qWait(200);
+        QCOMPARE(dailyStatuses(smtp).size(), 3);
+        now = QDateTime(QDate(2026, 11, 28), QTime(7, 1));
+        QTRY_COMPARE_WITH_TIMEOUT(dailyStatuses(smtp).size(), 4, 15000);
     }
 
     void checkUrlOnlyWhileTheDatabaseCanBeWritten()
