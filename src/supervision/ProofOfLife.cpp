@@ -200,7 +200,8 @@ void ProofOfLife::dailyCheck()
 QString ProofOfLife::statusText() const
 {
     const QDateTime now = Clock::now();
-    const QDateTime since = m_lastDaily.isValid() && m_lastDaily > m_since ? m_lastDaily : m_since;
+    // The counts run from the last status, or from the server's start when it came later.
+    const QDateTime since = m_since;
     const QString lastError = m_lastFailure.isEmpty() ? lastErrorReport() : m_lastFailure;
     QSqlQuery held = m_database.run(QStringLiteral("SELECT count(*) FROM AlarmMsgs WHERE OverWrite = FALSE"));
     const int heldNow = held.next() ? held.value(0).toInt() : 0;
@@ -209,7 +210,7 @@ QString ProofOfLife::statusText() const
     };
     return QStringLiteral("Daily status of Osprel EmailFax on ") + QHostInfo::localHostName() +
            QStringLiteral(" at ") + stampOf(now) + QStringLiteral(".\r\n\r\n") + QStringLiteral("Since ") +
-           stampOf(since) + (since == m_since ? QStringLiteral(" (server start)") : QString()) +
+           stampOf(since) + (since != m_lastDaily ? QStringLiteral(" (server start)") : QString()) +
            QStringLiteral(":\r\n") + QStringLiteral("  Alerts received:     %1\r\n").arg(m_received) +
            QStringLiteral("  Notifications sent:  ") + pair(m_sent) + QStringLiteral("\r\n") +
            QStringLiteral("  Failed for good:     ") + pair(m_failed) + QStringLiteral("\r\n") +

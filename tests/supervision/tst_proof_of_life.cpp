@@ -124,6 +124,7 @@ private Q_SLOTS:
         now = QDateTime(QDate(2026, 11, 24), QTime(7, 0, 5));
         QTRY_COMPARE_WITH_TIMEOUT(dailyStatuses(smtp).size(), 2, 15000);
         QVERIFY(dailyStatuses(smtp).last().contains(QLatin1String("Alerts received:     1")));
+        QVERIFY(dailyStatuses(smtp).last().contains(QLatin1String("Since 11/23/2026  07:00:\n")));
 
         // The time it went is stored: a server started again the same day does not send it again; one that was
         // down at the next set time sends it when it is back, once.
