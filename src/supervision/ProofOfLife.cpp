@@ -122,7 +122,8 @@ QString ProofOfLife::accept(const ProofOfLifeSettings &settings)
     const bool stored = guarded(QStringLiteral("ProofOfLife_Accept"), [&] {
         const QVariantList values{settings.dailyStatus ? 1 : 0, settings.dailyAt.toString(kTimeFormat),
                                   settings.dailyTo, settings.pingUrl, settings.pingMinutes};
-        if (m_database.firstRowId(QStringLiteral("ProofOfLife")) > 0)
+        QSqlQuery existing = m_database.run(QStringLiteral("SELECT count(*) FROM ProofOfLife"));
+        if (existing.next() && existing.value(0).toInt() > 0)
             m_database.run(QStringLiteral("UPDATE ProofOfLife SET DailyStatus = ?, DailyAt = ?, DailyTo = ?, "
                                           "PingUrl = ?, PingMinutes = ?"),
                            values);

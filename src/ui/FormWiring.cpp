@@ -79,12 +79,11 @@ void wireCommSetup(MainWindow &window, EmailFaxServer &server)
     onClick(page.cmdAcceptCommSetup, window, [&server, &window, panel = page.fraProofOfLife] {
         if (!server.mailSetup().accept())
             return;
-        const QString problem = ProofOfLife::problem(panel->settings());
+        const QString problem = server.proofOfLife().accept(panel->settings());
         if (!problem.isEmpty()) {
             window.showMessage(QStringLiteral("Proof of life"), problem);
             return;
         }
-        server.proofOfLife().accept(panel->settings());
         server.commSetup().cmdAcceptCommSetup_Click();
     });
     onClick(page.cmdCancelCommSetup, window, [&server, panel = page.fraProofOfLife] {

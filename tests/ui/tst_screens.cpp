@@ -277,8 +277,32 @@ private Q_SLOTS:
         QVERIFY(box && box->isVisible());
         QVERIFY2(box->text().contains(QStringLiteral("the port after the \":\" is missing")), qPrintable(box->text()));
         box->close();
+        delete box; // it would go at the next turn of the event loop
         QCOMPARE(scalar("SELECT EmailServer FROM SetupComm"), QVariant("mail.lab.example:2525"));
         QVERIFY(m_window->findChild<QPushButton *>(QStringLiteral("cmdAcceptCommSetup"))->isEnabled());
+        server->selectAll();
+        QTest::keyClicks(server, QStringLiteral("mail.lab.example:2525"));
+
+        // The proof of life takes part too: a check URL that is not http(s) is refused and nothing is stored; a
+        // good one is stored with the daily status.
+        tick(m_window->findChild<QCheckBox *>(QStringLiteral("chkDailyStatus")));
+        auto *url = m_window->findChild<QLineEdit *>(QStringLiteral("txtPingUrl"));
+        QTest::keyClicks(url, QStringLiteral("checks.lab.example/ping"));
+        click("cmdAcceptCommSetup");
+        box = m_window->findChild<QMessageBox *>(QStringLiteral("messageBox"));
+        QVERIFY(box && box->isVisible());
+        QVERIFY2(box->text().contains(QStringLiteral("not an http or https address")), qPrintable(box->text()));
+        box->close();
+        QCOMPARE(scalar("SELECT DailyStatus || PingUrl FROM ProofOfLife"), QVariant("0"));
+        url->selectAll();
+        QTest::keyClicks(url, QStringLiteral("https://checks.lab.example/ping/42"));
+        click("cmdAcceptCommSetup");
+        QCOMPARE(scalar("SELECT DailyStatus || ',' || DailyAt || ',' || PingUrl FROM ProofOfLife"),
+                 QVariant("1,07:00,https://checks.lab.example/ping/42"));
+        url->selectAll();
+        QTest::keyClicks(url, QStringLiteral("typo"));
+        click("cmdCancelCommSetup");
+        QCOMPARE(url->text(), QStringLiteral("https://checks.lab.example/ping/42"));
     }
 
 private:
