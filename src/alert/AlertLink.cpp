@@ -133,21 +133,22 @@ void AlertLink::linkedClientLeft(clsAlertCls *obj)
         dropServer();
         return;
     }
-    DumpStr(QStringLiteral("Chamber program ") + g.gstrLinkedForm +
-            QStringLiteral(" left without unlinking; the link is free for its return."));
-    const QString form = g.gstrLinkedForm;
-    dropServer();
-    g.gstrLinkedForm.clear();
-    Q_EMIT chamberStopped(form);
+    lostWithoutUnlink(QStringLiteral("left"));
 }
 
 void AlertLink::linkedObjectReleased(clsAlertCls *obj)
 {
     if (!obj || obj != m_objAlertServer || g.gstrLinkedForm.isEmpty())
         return;
-    DumpStr(QStringLiteral("Chamber program ") + g.gstrLinkedForm +
-            QStringLiteral(" released its alert object without unlinking; the link is free for its return."));
+    lostWithoutUnlink(QStringLiteral("released its alert object"));
+}
+
+// The linked program is gone without unlinking: the link is freed for its return and supervision is told.
+void AlertLink::lostWithoutUnlink(const QString &how)
+{
     const QString form = g.gstrLinkedForm;
+    DumpStr(QStringLiteral("Chamber program ") + form + u' ' + how +
+            QStringLiteral(" without unlinking; the link is free for its return."));
     dropServer();
     g.gstrLinkedForm.clear();
     Q_EMIT chamberStopped(form);

@@ -50,6 +50,7 @@ Q_SIGNALS:
     void heartbeat(quint32 seconds);
 
 private:
+    void lostWithoutUnlink(const QString &how);
     FormLists &m_lists;
     FormTimers &m_timers;
     QPointer<clsAlertCls> m_objAlertServer;
