@@ -46,12 +46,10 @@ bool startServer(InProcessServer &fixture, const LocalSmtpServer &smtp, const So
     QString error;
     const bool started = fixture.start(
         [&](Database &db) {
-            db.run(QStringLiteral("INSERT INTO Contacts (LastName, FirstName, EMailEnabled, EmailName)"
-                                  " VALUES ('Duty', 'Lab', 1, 'duty@lab.test')"));
+            InProcessServer::mailToDuty(db, smtp.address());
             db.run(QStringLiteral("INSERT INTO Contacts (LastName, FirstName, FaxEnabled, FaxNumber)"
                                   " VALUES ('Roe', 'Al', 1, '5550002222')"));
-            db.run(QStringLiteral("UPDATE SetupComm SET EmailServer = ?, FaxStation = '+1 555 0100 Lab'"),
-                   {smtp.address()});
+            db.run(QStringLiteral("UPDATE SetupComm SET FaxStation = '+1 555 0100 Lab'"));
         },
         &error);
     if (!started) {

@@ -28,6 +28,13 @@ InProcessServer::~InProcessServer()
     osprel::TimeScale::setFactor(1);
 }
 
+void InProcessServer::mailToDuty(osprel::Database &database, const QString &mailServer)
+{
+    database.run(QStringLiteral("INSERT INTO Contacts (LastName, FirstName, EMailEnabled, EmailName)"
+                                " VALUES ('Duty', 'Lab', 1, 'duty@lab.test')"));
+    database.run(QStringLiteral("UPDATE SetupComm SET EmailServer = ?"), {mailServer});
+}
+
 bool InProcessServer::start(const std::function<void(osprel::Database &)> &prepare, QString *error)
 {
     osprel::TimeScale::setFactor(m_timeScale);

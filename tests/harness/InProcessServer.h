@@ -21,6 +21,8 @@ public:
     explicit InProcessServer(double timeScale);
     ~InProcessServer() override;
 
+    // For prepare: duty@lab.test as the one e-mail recipient, and mailServer ("host:port") as the mail server.
+    static void mailToDuty(osprel::Database &database, const QString &mailServer);
     // prepare runs on the new database before the server loads it.
     bool start(const std::function<void(osprel::Database &)> &prepare, QString *error);
     // Closes the server and its window as at the end of a run and makes them anew on the same data folder, as a

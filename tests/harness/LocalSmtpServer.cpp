@@ -103,6 +103,18 @@ bool LocalSmtpServer::start(const Options &options, QString *error)
     return false;
 }
 
+QStringList LocalSmtpServer::subjects() const
+{
+    QStringList found;
+    for (const QString &message : messages()) {
+        for (const QString &header : StoredMessage::parse(message).headers) {
+            if (header.startsWith(QLatin1String("Subject: ")))
+                found.append(header.mid(9));
+        }
+    }
+    return found;
+}
+
 QStringList LocalSmtpServer::messages() const
 {
     QDir stored(m_dir.filePath(QStringLiteral("maildir/new")));

@@ -48,6 +48,8 @@ public:
 
     // The messages stored so far, oldest first, with LF line ends.
     QStringList messages() const;
+    // The Subject of each stored message, oldest first.
+    QStringList subjects() const;
     // Every message that reached the end of its data, accepted or not, as the bytes received (oldest first), and
     // the envelope of each as JSON (mail_from, rcpt_tos, host_name, authenticated, tls).
     QList<QByteArray> rawMessages() const;

@@ -87,9 +87,7 @@ private Q_SLOTS:
         InProcessServer fixture(0.01);
         QVERIFY2(fixture.start(
                      [&](Database &db) {
-                         db.run(QStringLiteral("INSERT INTO Contacts (LastName, FirstName, EMailEnabled, EmailName)"
-                                               " VALUES ('Duty', 'Lab', 1, 'duty@lab.test')"));
-                         db.run(QStringLiteral("UPDATE SetupComm SET EmailServer = ?"), {smtp.address()});
+                         InProcessServer::mailToDuty(db, smtp.address());
                          db.run(QStringLiteral("INSERT INTO ProofOfLife (DailyStatus, DailyAt, DailyTo) "
                                                "VALUES (1, '07:00', 0)"));
                      },

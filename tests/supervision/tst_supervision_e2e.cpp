@@ -15,18 +15,6 @@
 using namespace osprel;
 
 namespace {
-QStringList subjects(const LocalSmtpServer &smtp)
-{
-    QStringList found;
-    for (const QString &message : smtp.messages()) {
-        for (const QString &header : StoredMessage::parse(message).headers) {
-            if (header.startsWith(QLatin1String("Subject: ")))
-                found.append(header.mid(9));
-        }
-    }
-    return found;
-}
-
 // A chamber program in its own process; started() returns once it is linked.
 struct Chamber
 {
@@ -71,9 +59,7 @@ private Q_SLOTS:
         InProcessServer fixture(0.01);
         QVERIFY2(fixture.start(
                      [&](Database &db) {
-                         db.run(QStringLiteral("INSERT INTO Contacts (LastName, FirstName, EMailEnabled, EmailName)"
-                                               " VALUES ('Duty', 'Lab', 1, 'duty@lab.test')"));
-                         db.run(QStringLiteral("UPDATE SetupComm SET EmailServer = ?"), {smtp.address()});
+                         InProcessServer::mailToDuty(db, smtp.address());
                      },
                      &error),
                  qPrintable(error));
@@ -83,15 +69,15 @@ private Q_SLOTS:
             Chamber first(fixture.busAddress(), {});
             QVERIFY2(first.linked(), first.output.constData());
             first.signal(SIGKILL);
-            QTRY_VERIFY_WITH_TIMEOUT(subjects(smtp).contains(stopped), 15000);
+            QTRY_VERIFY_WITH_TIMEOUT(smtp.subjects().contains(stopped), 15000);
         }
         {
             Chamber again(fixture.busAddress(), {});
             QVERIFY2(again.linked(), again.output.constData());
             QTRY_VERIFY_WITH_TIMEOUT(
-                subjects(smtp).contains(QStringLiteral("PyChamber Chamber Notification: linked again")), 15000);
+                smtp.subjects().contains(QStringLiteral("PyChamber Chamber Notification: linked again")), 15000);
         }
-        QTRY_COMPARE_WITH_TIMEOUT(subjects(smtp).count(stopped), 2, 15000); // the second one left as well
+        QTRY_COMPARE_WITH_TIMEOUT(smtp.subjects().count(stopped), 2, 15000); // the second one left as well
 
         // Heartbeats every 10 ms, promising 5 s (50 ms at this time scale); then the program hangs, its bus
         // connection open: one "silent" notice, not one per tick.
@@ -100,12 +86,12 @@ private Q_SLOTS:
         QVERIFY2(beating.linked(), beating.output.constData());
         QTRY_VERIFY(fixture.server().supervision().isWatchingHeartbeat());
         QTest::qWait(300); // thirty promises kept: no notice
-        QVERIFY(subjects(smtp).filter(QStringLiteral("silent since")).isEmpty());
+        QVERIFY(smtp.subjects().filter(QStringLiteral("silent since")).isEmpty());
         beating.signal(SIGSTOP);
         QTRY_COMPARE_WITH_TIMEOUT(
-            subjects(smtp).filter(QStringLiteral("PyChamber Chamber Notification: silent since")).size(), 1, 15000);
+            smtp.subjects().filter(QStringLiteral("PyChamber Chamber Notification: silent since")).size(), 1, 15000);
         QTest::qWait(500); // fifty more promised intervals
-        QCOMPARE(subjects(smtp).filter(QStringLiteral("silent since")).size(), 1);
+        QCOMPARE(smtp.subjects().filter(QStringLiteral("silent since")).size(), 1);
 
         // Every notice is in the history, sent: stopped, linked again, stopped, linked again, silent.
         const ListStore &history = fixture.server().lists().lvwHist[0];

@@ -23,18 +23,6 @@
 using namespace osprel;
 
 namespace {
-QStringList subjects(const LocalSmtpServer &smtp)
-{
-    QStringList found;
-    for (const QString &message : smtp.messages()) {
-        for (const QString &header : StoredMessage::parse(message).headers) {
-            if (header.startsWith(QLatin1String("Subject: ")))
-                found.append(header.mid(9));
-        }
-    }
-    return found;
-}
-
 // osprel-client on the fixture's bus; its exit code, and its output in *output.
 int client(const QString &bus, const QStringList &arguments, QByteArray *output)
 {
@@ -74,11 +62,9 @@ private Q_SLOTS:
         InProcessServer fixture(0.01);
         QVERIFY2(fixture.start(
                      [&](Database &db) {
-                         db.run(QStringLiteral("INSERT INTO Contacts (LastName, FirstName, EMailEnabled, EmailName)"
-                                               " VALUES ('Duty', 'Lab', 1, 'duty@lab.test')"));
+                         InProcessServer::mailToDuty(db, smtp.address());
                          db.run(QStringLiteral("INSERT INTO Contacts (LastName, FirstName, EscalationEnabled,"
                                                " EmailName) VALUES ('Boss', 'Big', 1, 'boss@lab.test')"));
-                         db.run(QStringLiteral("UPDATE SetupComm SET EmailServer = ?"), {smtp.address()});
                          db.run(QStringLiteral("UPDATE SetupTicketRule SET AckRequired = 1, RepeatMinutes = 2,"
                                                " RepeatTimes = 3, EscalateMinutes = 5 WHERE PriorityID = 0"));
                      },
@@ -88,18 +74,18 @@ private Q_SLOTS:
         // Category 5, CHAMBER_ALARM, is a High level alarm.
         QVERIFY(fixture.sendAlert(QStringLiteral("41|4;Chamber 4;d;On;c;m;s;l|9;CH1 high|1;2;3;4|5;6;7;8|5|t")));
 
-        QTRY_COMPARE_WITH_TIMEOUT(subjects(smtp).size(), 1, 15000);
+        QTRY_COMPARE_WITH_TIMEOUT(smtp.subjects().size(), 1, 15000);
         const QRegularExpressionMatch ticket =
-            QRegularExpression(QStringLiteral(", Ticket ([0-9]{4}-[A-Z]{2})$")).match(subjects(smtp).first());
-        QVERIFY2(ticket.hasMatch(), qPrintable(subjects(smtp).first()));
+            QRegularExpression(QStringLiteral(", Ticket ([0-9]{4}-[A-Z]{2})$")).match(smtp.subjects().first());
+        QVERIFY2(ticket.hasMatch(), qPrintable(smtp.subjects().first()));
         const QString code = ticket.captured(1);
         QVERIFY(StoredMessage::parse(smtp.messages().first()).body.startsWith(QStringLiteral("Ticket ") + code));
         QCOMPARE(recipientsOf(smtp, 0), QJsonArray({"duty@lab.test"}));
 
         advanceTo(2);
-        QTRY_COMPARE_WITH_TIMEOUT(subjects(smtp).size(), 2, 15000);
-        QVERIFY2(subjects(smtp).at(1).endsWith(code + QStringLiteral(", repeat 1 of 3")),
-                 qPrintable(subjects(smtp).at(1)));
+        QTRY_COMPARE_WITH_TIMEOUT(smtp.subjects().size(), 2, 15000);
+        QVERIFY2(smtp.subjects().at(1).endsWith(code + QStringLiteral(", repeat 1 of 3")),
+                 qPrintable(smtp.subjects().at(1)));
         QTRY_VERIFY(fixture.server().lists().lvwSendEmailQue.isEmpty());
 
         // A restart at minute 3 continues the schedule: nothing is sent again at once, the next repeat is the
@@ -110,17 +96,17 @@ private Q_SLOTS:
         QCOMPARE(fixture.server().tickets().tickets().first().repeats, 1);
         QCOMPARE(fixture.server().lists().lvwActiveAlarms.text(1, 1), code);
         QTest::qWait(300); // the start-up and thirty ticks of the ticket timer at this time scale
-        QCOMPARE(subjects(smtp).size(), 2);
+        QCOMPARE(smtp.subjects().size(), 2);
         QVERIFY(fixture.link());
 
         advanceTo(4);
-        QTRY_COMPARE_WITH_TIMEOUT(subjects(smtp).size(), 3, 15000);
-        QVERIFY2(subjects(smtp).at(2).endsWith(code + QStringLiteral(", repeat 2 of 3")),
-                 qPrintable(subjects(smtp).at(2)));
+        QTRY_COMPARE_WITH_TIMEOUT(smtp.subjects().size(), 3, 15000);
+        QVERIFY2(smtp.subjects().at(2).endsWith(code + QStringLiteral(", repeat 2 of 3")),
+                 qPrintable(smtp.subjects().at(2)));
 
         advanceTo(5);
-        QTRY_COMPARE_WITH_TIMEOUT(subjects(smtp).size(), 4, 15000);
-        QCOMPARE(subjects(smtp).at(3),
+        QTRY_COMPARE_WITH_TIMEOUT(smtp.subjects().size(), 4, 15000);
+        QCOMPARE(smtp.subjects().at(3),
                  QStringLiteral("Chamber 4 Chamber Notification: Escalation: CHAMBER_ALARM, Ticket ") + code);
         QCOMPARE(recipientsOf(smtp, 3), QJsonArray({"boss@lab.test"}));
         QCOMPARE(fixture.server().lists().lvwActiveAlarms.text(1, 6), t0.addSecs(300).toString("MM/dd/yyyy  HH:mm:ss"));
@@ -145,7 +131,7 @@ private Q_SLOTS:
         QTest::qWait(200);
         advanceTo(60);
         QTest::qWait(200);
-        QCOMPARE(subjects(smtp).size(), 4);
+        QCOMPARE(smtp.subjects().size(), 4);
 
         // From the command line: a ticket that is not open answers 1, a missing name is refused before the bus,
         // and the acknowledged ticket is cleared, stored as done from the command line.
