@@ -9,6 +9,7 @@
 #include "Globals.h"
 #include "Log.h"
 #include "MainWindow.h"
+#include "WindowServer.h"
 #include "TimeScale.h"
 
 #include <QAbstractItemView>
@@ -32,9 +33,6 @@ private Q_SLOTS:
     void init()
     {
         QVERIFY(m_home.isValid());
-        TimeScale::setFactor(1);
-        resetGlobals();
-        g.gstrAppPath = m_home.path();
         {
             Database setup;
             setup.DBInitADO(m_home.path());
@@ -44,22 +42,9 @@ private Q_SLOTS:
                                      " ('Boss', 'Big', 0, 'boss@lab.test', '5551230002')"));
             setup.run(QStringLiteral("DELETE FROM Tickets"));
         }
-        m_log = std::make_unique<Log>(m_home.path());
-        m_lists = std::make_unique<FormLists>();
-        m_window = std::make_unique<MainWindow>(*m_lists, *m_log);
-        m_server = std::make_unique<EmailFaxServer>(*m_log, *m_lists, m_window->ports());
-        wireForm(*m_window, *m_server);
-        m_server->Form_Load();
-        m_server->timers().TimerInit.stop();
+        m_app.start(m_home.path());
     }
-    void cleanup()
-    {
-        g.gblnServerLinked = false;
-        m_server.reset();
-        m_window.reset();
-        m_lists.reset();
-        m_log.reset();
-    }
+    void cleanup() { m_app.stop(); }
 
     void ruleAndEscalationListAreSetInTheWindow()
     {
@@ -87,51 +72,51 @@ private Q_SLOTS:
         QTest::mouseClick(all->viewport(), Qt::LeftButton, {}, all->visualRect(all->model()->index(1, 0)).center());
         click("cmdAddEscalation");
         click("cmdAddEscalation"); // twice is once
-        QCOMPARE(m_lists->lvwEscalationContacts.count(), 1);
-        QCOMPARE(m_lists->lvwEscalationContacts.row(1).join(u'|'), QStringLiteral("Boss|Big|boss@lab.test|5551230002"));
+        QCOMPARE(m_app.lists->lvwEscalationContacts.count(), 1);
+        QCOMPARE(m_app.lists->lvwEscalationContacts.row(1).join(u'|'), QStringLiteral("Boss|Big|boss@lab.test|5551230002"));
         QCOMPARE(scalar("SELECT EscalationEnabled FROM Contacts WHERE LastName = 'Boss'"), QVariant(1));
         auto *escalation = find<QTableView>("lvwEscalationContacts");
         QTest::mouseClick(escalation->viewport(), Qt::LeftButton, {},
                           escalation->visualRect(escalation->model()->index(0, 0)).center());
         click("cmdRemEscalation");
-        QCOMPARE(m_lists->lvwEscalationContacts.count(), 0);
+        QCOMPARE(m_app.lists->lvwEscalationContacts.count(), 0);
         QCOMPARE(scalar("SELECT EscalationEnabled FROM Contacts WHERE LastName = 'Boss'"), QVariant(0));
     }
 
     void acknowledgeThenClear()
     {
-        m_server->priorities().ticketRule(0) = TicketRule{true, 2, 3, 5};
+        m_app.server->priorities().ticketRule(0) = TicketRule{true, 2, 3, 5};
         SendJob job{QStringLiteral("text"), QStringLiteral("Chamber 4"), QStringLiteral("CHAMBER_ALARM"),
                     QStringLiteral("41|Chamber 4|CH1 high|CHAMBER_ALARM|9:55 pm"), QStringLiteral("41")};
-        m_server->tickets().immediateAlert(0, job);
-        QCOMPARE(m_lists->lvwActiveAlarms.count(), 1);
-        const QString code = m_lists->lvwActiveAlarms.text(1, 1);
+        m_app.server->tickets().immediateAlert(0, job);
+        QCOMPARE(m_app.lists->lvwActiveAlarms.count(), 1);
+        const QString code = m_app.lists->lvwActiveAlarms.text(1, 1);
         QVERIFY(job.categoryName.endsWith(QStringLiteral(", Ticket ") + code));
-        QCOMPARE(m_lists->lvwActiveAlarms.text(1, 7), QStringLiteral("Open"));
+        QCOMPARE(m_app.lists->lvwActiveAlarms.text(1, 7), QStringLiteral("Open"));
 
         tab(QStringLiteral("Active Alarms"));
         click("cmdAcknowledge"); // nothing selected
-        auto *box = m_window->findChild<QMessageBox *>(QStringLiteral("messageBox"));
+        auto *box = m_app.window->findChild<QMessageBox *>(QStringLiteral("messageBox"));
         QVERIFY(box);
         QCOMPARE(box->windowTitle(), QStringLiteral("No Alarm Selected"));
         box->close();
         auto *list = find<QTableView>("lvwActiveAlarms");
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(list->model()->index(0, 0)).center());
         click("cmdAcknowledge"); // no name yet
-        QTRY_VERIFY(m_window->findChild<QMessageBox *>(QStringLiteral("messageBox")));
-        m_window->findChild<QMessageBox *>(QStringLiteral("messageBox"))->close();
-        QCOMPARE(m_lists->lvwActiveAlarms.text(1, 7), QStringLiteral("Open"));
+        QTRY_VERIFY(m_app.window->findChild<QMessageBox *>(QStringLiteral("messageBox")));
+        m_app.window->findChild<QMessageBox *>(QStringLiteral("messageBox"))->close();
+        QCOMPARE(m_app.lists->lvwActiveAlarms.text(1, 7), QStringLiteral("Open"));
 
         QTest::keyClicks(find<QLineEdit>("txtAckName"), QStringLiteral("Lan Nguyen"));
         QTest::keyClicks(find<QLineEdit>("txtAckComment"), QStringLiteral("door closed | samples moved"));
         click("cmdAcknowledge");
-        QCOMPARE(m_lists->lvwActiveAlarms.text(1, 7), QStringLiteral("Acknowledged"));
-        QVERIFY(m_lists->lvwActiveAlarms.note(1).startsWith(QStringLiteral("Acknowledged by Lan Nguyen (window)")));
+        QCOMPARE(m_app.lists->lvwActiveAlarms.text(1, 7), QStringLiteral("Acknowledged"));
+        QVERIFY(m_app.lists->lvwActiveAlarms.note(1).startsWith(QStringLiteral("Acknowledged by Lan Nguyen (window)")));
         QCOMPARE(scalar("SELECT State FROM Tickets"), QVariant(1));
         QCOMPARE(scalar("SELECT Action || '|' || Who || '|' || How || '|' || Comment FROM TicketActions"),
                  QVariant(QStringLiteral("Acknowledged|Lan Nguyen|window|door closed / samples moved")));
         // The history's top row, in the list and the table: status, who and how, the comment, the ticket.
-        const QStringList top = m_lists->lvwHist[0].row(1);
+        const QStringList top = m_app.lists->lvwHist[0].row(1);
         QCOMPARE(top.mid(1, 5), QStringList({"Acknowledged", "Chamber 4", "Lan Nguyen (window)",
                                              "door closed / samples moved", "CHAMBER_ALARM, Ticket " + code}));
         QCOMPARE(scalar("SELECT Status || '|' || Address FROM EmailHistory ORDER BY rowid DESC LIMIT 1"),
@@ -141,16 +126,16 @@ private Q_SLOTS:
 
         click("cmdClearAlarm");
         QVERIFY(answer(QMessageBox::Yes).contains(code));
-        QCOMPARE(m_lists->lvwActiveAlarms.count(), 0);
+        QCOMPARE(m_app.lists->lvwActiveAlarms.count(), 0);
         QCOMPARE(scalar("SELECT State FROM Tickets"), QVariant(2));
-        QCOMPARE(m_lists->lvwHist[0].text(1, 2), QStringLiteral("Cleared"));
+        QCOMPARE(m_app.lists->lvwHist[0].text(1, 2), QStringLiteral("Cleared"));
         QCOMPARE(scalar("SELECT count(*) FROM TicketActions WHERE Action = 'Cleared' AND How = 'window'"), QVariant(1));
     }
 
 private:
     template <typename T> T *find(const char *name) const
     {
-        T *w = m_window->findChild<T *>(QLatin1String(name));
+        T *w = m_app.window->findChild<T *>(QLatin1String(name));
         if (!w)
             qFatal("no widget %s", name);
         return w;
@@ -172,26 +157,23 @@ private:
     }
     QString answer(QMessageBox::StandardButton button)
     {
-        auto *box = m_window->findChild<QMessageBox *>(QStringLiteral("confirmBox"));
+        auto *box = m_app.window->findChild<QMessageBox *>(QStringLiteral("confirmBox"));
         if (!box)
             return QStringLiteral("no confirmation box");
         const QString question = box->text();
         QTest::mouseClick(box->button(button), Qt::LeftButton);
-        if (!QTest::qWaitFor([this] { return !m_window->findChild<QMessageBox *>(QStringLiteral("confirmBox")); }))
+        if (!QTest::qWaitFor([this] { return !m_app.window->findChild<QMessageBox *>(QStringLiteral("confirmBox")); }))
             return QStringLiteral("the confirmation box stayed");
         return question;
     }
     QVariant scalar(const char *sql) const
     {
-        QSqlQuery query = m_server->database().run(QString::fromLatin1(sql));
+        QSqlQuery query = m_app.server->database().run(QString::fromLatin1(sql));
         return query.next() ? query.value(0) : QVariant();
     }
 
     QTemporaryDir m_home;
-    std::unique_ptr<Log> m_log;
-    std::unique_ptr<FormLists> m_lists;
-    std::unique_ptr<MainWindow> m_window;
-    std::unique_ptr<EmailFaxServer> m_server;
+    WindowServer m_app;
 };
 
 QTEST_MAIN(TestActiveAlarms)

@@ -9,6 +9,7 @@
 #include "Globals.h"
 #include "Log.h"
 #include "MainWindow.h"
+#include "WindowServer.h"
 #include "TimeScale.h"
 
 #include <QAbstractItemView>
@@ -40,7 +41,7 @@ private Q_SLOTS:
     {
         tab(QStringLiteral("Recipients"));
         click("cmdEdit"); // nothing selected
-        auto *box = m_window->findChild<QMessageBox *>(QStringLiteral("messageBox"));
+        auto *box = m_app.window->findChild<QMessageBox *>(QStringLiteral("messageBox"));
         QVERIFY(box);
         QCOMPARE(box->windowTitle(), QStringLiteral("No Contact Selected"));
         QCOMPARE(box->text(), QStringLiteral("You must select a contact before editing."));
@@ -48,7 +49,7 @@ private Q_SLOTS:
 
         click("cmdNew");
         QVERIFY(widget("picContacts")->isVisible());
-        QCOMPARE(m_window->focusWidget(), widget("txtContactsFName"));
+        QCOMPARE(m_app.window->focusWidget(), widget("txtContactsFName"));
         const QList<std::pair<QStringList, QString>> cases = {
             {{"Ann", "Lee", "ann@lab> RCPT TO:<x@y", "", "", ""},
              "The email address cannot be used: the address holds an angle bracket."},
@@ -63,12 +64,12 @@ private Q_SLOTS:
             QVERIFY(widget("picContacts")->isVisible());
         }
         // The fax boxes take digits only, cut at their length and move on.
-        auto *areaCode = m_window->findChild<QLineEdit *>(QStringLiteral("txtContactsFaxAC"));
+        auto *areaCode = m_app.window->findChild<QLineEdit *>(QStringLiteral("txtContactsFaxAC"));
         areaCode->clear();
         areaCode->setFocus();
         QTest::keyClicks(areaCode, QStringLiteral("5a5-51"));
         QCOMPARE(areaCode->text(), QStringLiteral("555"));
-        QCOMPARE(m_window->focusWidget(), widget("txtContactsFax3D"));
+        QCOMPARE(m_app.window->focusWidget(), widget("txtContactsFax3D"));
         click("cmdContactsCancel");
         QVERIFY(!widget("picContacts")->isVisible());
         QVERIFY(widget("Frame1(2)")->isVisible());
@@ -99,7 +100,7 @@ private Q_SLOTS:
 
         // Renamed, with a new address: the lists follow under the new name.
         click("cmdEdit");
-        QCOMPARE(m_window->findChild<QLineEdit *>(QStringLiteral("txtContactsFax4D"))->text(), QStringLiteral("4567"));
+        QCOMPARE(m_app.window->findChild<QLineEdit *>(QStringLiteral("txtContactsFax4D"))->text(), QStringLiteral("4567"));
         fill({"Patricia", "O'Hara", "patricia@lab.example", "555", "123", "4567"});
         click("cmdContactsOK");
         QCOMPARE(contactRows(), QStringList{QStringLiteral("O'Hara|Patricia|patricia@lab.example|5551234567|1|1")});
@@ -135,7 +136,7 @@ private Q_SLOTS:
         selectContact(1);
         click("cmdAddEmailAdr");
         click("cmdAddFaxAdr");
-        auto *faxList = m_window->findChild<QTableView *>(QStringLiteral("lvwFaxContacts"));
+        auto *faxList = m_app.window->findChild<QTableView *>(QStringLiteral("lvwFaxContacts"));
         QTest::mouseClick(faxList->viewport(), Qt::LeftButton, {},
                           faxList->visualRect(faxList->model()->index(0, 0)).center());
         click("cmdRemFaxAdr");
@@ -143,7 +144,7 @@ private Q_SLOTS:
 
         selectContact(1);
         click("cmdEdit");
-        QTest::keyClicks(m_window->findChild<QLineEdit *>(QStringLiteral("txtContactsNotes")), QStringLiteral("Day"));
+        QTest::keyClicks(m_app.window->findChild<QLineEdit *>(QStringLiteral("txtContactsNotes")), QStringLiteral("Day"));
         click("cmdContactsOK");
         QCOMPARE(label("lblContactErr"), QString());
         checkLists({"Nguyen|Lan|lan@lab.example|5551230001"}, {"Nguyen|Lan|lan@lab.example"}, {});
@@ -158,11 +159,11 @@ private Q_SLOTS:
     void clearHistoryAsksAndHistoryKeepsItsOrder()
     {
         for (const char *time : {"11/21/2026  08:00:00", "11/21/2026  09:00:00"})
-            m_server->database().run(QStringLiteral("INSERT INTO EmailHistory (Time, Status) VALUES (?, 'Sent')"),
+            m_app.server->database().run(QStringLiteral("INSERT INTO EmailHistory (Time, Status) VALUES (?, 'Sent')"),
                                      {QString::fromLatin1(time)});
         stop();
         start();
-        auto *history = m_window->findChild<QTableView *>(QStringLiteral("lvwHist(0)"));
+        auto *history = m_app.window->findChild<QTableView *>(QStringLiteral("lvwHist(0)"));
         QTRY_COMPARE(history->model()->rowCount(), 2);
         QCOMPARE(history->model()->index(0, 0).data().toString(), QStringLiteral("11/21/2026  09:00:00"));
 
@@ -173,33 +174,33 @@ private Q_SLOTS:
         answer(QMessageBox::Yes);
         QCOMPARE(scalar("SELECT count(*) FROM EmailHistory"), QVariant(0));
         click("cmdClear(0)"); // nothing left: no question
-        QVERIFY(!m_window->findChild<QMessageBox *>(QStringLiteral("confirmBox")));
+        QVERIFY(!m_app.window->findChild<QMessageBox *>(QStringLiteral("confirmBox")));
     }
 
     void alarmSetupAcceptAndCancel()
     {
         tab(QStringLiteral("Alarm Setup"));
-        auto *accept = m_window->findChild<QPushButton *>(QStringLiteral("cmdAcceptAlarmSetup"));
+        auto *accept = m_app.window->findChild<QPushButton *>(QStringLiteral("cmdAcceptAlarmSetup"));
         QVERIFY(!accept->isEnabled());
-        QTest::mouseClick(m_window->findChild<QRadioButton *>(QStringLiteral("optLow(5)")), Qt::LeftButton);
+        QTest::mouseClick(m_app.window->findChild<QRadioButton *>(QStringLiteral("optLow(5)")), Qt::LeftButton);
         QVERIFY(accept->isEnabled());
         QVERIFY(!label("lblChangeWarning(1)").isEmpty());
         click("cmdAcceptAlarmSetup");
         QCOMPARE(scalar("SELECT PLevelID FROM SetupPriority WHERE rowid = 6"), QVariant("2"));
         QVERIFY(!accept->isEnabled());
 
-        QTest::mouseClick(m_window->findChild<QRadioButton *>(QStringLiteral("optIgnore(0)")), Qt::LeftButton);
+        QTest::mouseClick(m_app.window->findChild<QRadioButton *>(QStringLiteral("optIgnore(0)")), Qt::LeftButton);
         click("cmdCancelAlarmSetup");
-        QVERIFY(m_window->findChild<QRadioButton *>(QStringLiteral("optHi(0)"))->isChecked());
+        QVERIFY(m_app.window->findChild<QRadioButton *>(QStringLiteral("optHi(0)"))->isChecked());
         QCOMPARE(scalar("SELECT PLevelID FROM SetupPriority WHERE rowid = 1"), QVariant("0"));
         QVERIFY(!accept->isEnabled());
     }
 
     void clearButtonsAndTheTestAlarm()
     {
-        m_server->database().run(QStringLiteral("UPDATE AlarmMsgs SET OverWrite = FALSE, Catagory = 5003 + (rowid % 2)"
+        m_app.server->database().run(QStringLiteral("UPDATE AlarmMsgs SET OverWrite = FALSE, Catagory = 5003 + (rowid % 2)"
                                                 " WHERE rowid <= 4"));
-        m_server->alarms().InitLables();
+        m_app.server->alarms().InitLables();
         tab(QStringLiteral("Alarm Setup"));
         QCOMPARE(label("lblQueuedAlarms(3)"), QStringLiteral("2"));
         click("cmdClearAlmCat(3)");
@@ -213,22 +214,22 @@ private Q_SLOTS:
         widget("cmdAddErr")->show();
         widget("fraMsgQue")->setEnabled(true);
         click("cmdAddErr");
-        QCOMPARE(m_server->lists().lvwMsgQue.count(), 1);
-        QVERIFY(m_server->timers().TimerMsgQue.isActive());
+        QCOMPARE(m_app.server->lists().lvwMsgQue.count(), 1);
+        QVERIFY(m_app.server->timers().TimerMsgQue.isActive());
     }
 
     void priorityAcceptAndCancel()
     {
         tab(QStringLiteral("Alarm Priority"));
-        auto *onceEvery = m_window->findChild<QCheckBox *>(QStringLiteral("chkOnceEvery(1)"));
+        auto *onceEvery = m_app.window->findChild<QCheckBox *>(QStringLiteral("chkOnceEvery(1)"));
         QVERIFY(onceEvery->isChecked()); // the delivered Mid level has an hourly report
         QVERIFY(widget("cboMinutes(1)")->isVisible());
         QVERIFY(!widget("cboHours(1)")->isVisible());
-        QTest::mouseClick(m_window->findChild<QRadioButton *>(QStringLiteral("optWeek(1)")), Qt::LeftButton);
+        QTest::mouseClick(m_app.window->findChild<QRadioButton *>(QStringLiteral("optWeek(1)")), Qt::LeftButton);
         QVERIFY(widget("cboWeekday(1)")->isVisible() && widget("cboHours(1)")->isVisible());
         typeInto("cboHours(1)", QStringLiteral("7:30"));
-        m_window->findChild<QComboBox *>(QStringLiteral("cboResetWeekday(1)"))->setCurrentText(QStringLiteral("Daily"));
-        auto *lowInterval = m_window->findChild<QCheckBox *>(QStringLiteral("chkOnceEvery(2)"));
+        m_app.window->findChild<QComboBox *>(QStringLiteral("cboResetWeekday(1)"))->setCurrentText(QStringLiteral("Daily"));
+        auto *lowInterval = m_app.window->findChild<QCheckBox *>(QStringLiteral("chkOnceEvery(2)"));
         QVERIFY(lowInterval->isChecked());
         tick(lowInterval);
         QVERIFY(!lowInterval->isChecked());
@@ -239,18 +240,18 @@ private Q_SLOTS:
                  QVariant("3,7,7"));
         QCOMPARE(scalar("SELECT OnceEvery FROM SetupPriorityDef WHERE PriorityID = 2"), QVariant(-1));
 
-        tick(m_window->findChild<QCheckBox *>(QStringLiteral("chkImmediate(0)")));
-        QVERIFY(m_window->findChild<QPushButton *>(QStringLiteral("cmdCancelPriority"))->isEnabled());
+        tick(m_app.window->findChild<QCheckBox *>(QStringLiteral("chkImmediate(0)")));
+        QVERIFY(m_app.window->findChild<QPushButton *>(QStringLiteral("cmdCancelPriority"))->isEnabled());
         click("cmdCancelPriority");
-        QVERIFY(m_window->findChild<QCheckBox *>(QStringLiteral("chkImmediate(0)"))->isChecked());
-        QVERIFY(!m_window->findChild<QPushButton *>(QStringLiteral("cmdCancelPriority"))->isEnabled());
-        QCOMPARE(m_window->findChild<QComboBox *>(QStringLiteral("cboHours(1)"))->currentText(), QStringLiteral("7"));
+        QVERIFY(m_app.window->findChild<QCheckBox *>(QStringLiteral("chkImmediate(0)"))->isChecked());
+        QVERIFY(!m_app.window->findChild<QPushButton *>(QStringLiteral("cmdCancelPriority"))->isEnabled());
+        QCOMPARE(m_app.window->findChild<QComboBox *>(QStringLiteral("cboHours(1)"))->currentText(), QStringLiteral("7"));
     }
 
     void commSetupAcceptAndCancel()
     {
         tab(QStringLiteral("Comm Setup"));
-        auto *server = m_window->findChild<QLineEdit *>(QStringLiteral("txtMailServer"));
+        auto *server = m_app.window->findChild<QLineEdit *>(QStringLiteral("txtMailServer"));
         server->selectAll();
         QTest::keyClicks(server, QStringLiteral("mail.lab.example:2525"));
         click("cmdAcceptCommSetup");
@@ -259,13 +260,13 @@ private Q_SLOTS:
         QTest::keyClicks(server, QStringLiteral("typo"));
         click("cmdCancelCommSetup");
         QCOMPARE(server->text(), QStringLiteral("mail.lab.example:2525"));
-        QVERIFY(!m_window->findChild<QPushButton *>(QStringLiteral("cmdAcceptCommSetup"))->isEnabled());
+        QVERIFY(!m_app.window->findChild<QPushButton *>(QStringLiteral("cmdAcceptCommSetup"))->isEnabled());
 
         // The mail security fields take part in the same change tracking and are stored in their own table.
-        auto *security = m_window->findChild<QComboBox *>(QStringLiteral("cboMailSecurity"));
+        auto *security = m_app.window->findChild<QComboBox *>(QStringLiteral("cboMailSecurity"));
         security->setFocus();
         QTest::keyClick(security, Qt::Key_Down);
-        QVERIFY(m_window->findChild<QPushButton *>(QStringLiteral("cmdAcceptCommSetup"))->isEnabled());
+        QVERIFY(m_app.window->findChild<QPushButton *>(QStringLiteral("cmdAcceptCommSetup"))->isEnabled());
         click("cmdAcceptCommSetup");
         QCOMPARE(scalar("SELECT Security FROM MailServerSecurity"), QVariant(1));
 
@@ -273,23 +274,23 @@ private Q_SLOTS:
         server->selectAll();
         QTest::keyClicks(server, QStringLiteral("mail:"));
         click("cmdAcceptCommSetup");
-        auto *box = m_window->findChild<QMessageBox *>(QStringLiteral("messageBox"));
+        auto *box = m_app.window->findChild<QMessageBox *>(QStringLiteral("messageBox"));
         QVERIFY(box && box->isVisible());
         QVERIFY2(box->text().contains(QStringLiteral("the port after the \":\" is missing")), qPrintable(box->text()));
         box->close();
         delete box; // it would go at the next turn of the event loop
         QCOMPARE(scalar("SELECT EmailServer FROM SetupComm"), QVariant("mail.lab.example:2525"));
-        QVERIFY(m_window->findChild<QPushButton *>(QStringLiteral("cmdAcceptCommSetup"))->isEnabled());
+        QVERIFY(m_app.window->findChild<QPushButton *>(QStringLiteral("cmdAcceptCommSetup"))->isEnabled());
         server->selectAll();
         QTest::keyClicks(server, QStringLiteral("mail.lab.example:2525"));
 
         // The proof of life takes part too: a check URL that is not http(s) is refused and nothing is stored; a
         // good one is stored with the daily status.
-        tick(m_window->findChild<QCheckBox *>(QStringLiteral("chkDailyStatus")));
-        auto *url = m_window->findChild<QLineEdit *>(QStringLiteral("txtPingUrl"));
+        tick(m_app.window->findChild<QCheckBox *>(QStringLiteral("chkDailyStatus")));
+        auto *url = m_app.window->findChild<QLineEdit *>(QStringLiteral("txtPingUrl"));
         QTest::keyClicks(url, QStringLiteral("checks.lab.example/ping"));
         click("cmdAcceptCommSetup");
-        box = m_window->findChild<QMessageBox *>(QStringLiteral("messageBox"));
+        box = m_app.window->findChild<QMessageBox *>(QStringLiteral("messageBox"));
         QVERIFY(box && box->isVisible());
         QVERIFY2(box->text().contains(QStringLiteral("not an http or https address")), qPrintable(box->text()));
         box->close();
@@ -306,50 +307,31 @@ private Q_SLOTS:
     }
 
 private:
-    void start()
-    {
-        TimeScale::setFactor(1);
-        resetGlobals();
-        g.gstrAppPath = m_home.path();
-        m_log = std::make_unique<Log>(m_home.path());
-        m_lists = std::make_unique<FormLists>();
-        m_window = std::make_unique<MainWindow>(*m_lists, *m_log);
-        m_server = std::make_unique<EmailFaxServer>(*m_log, *m_lists, m_window->ports());
-        wireForm(*m_window, *m_server);
-        m_server->Form_Load();
-        m_server->timers().TimerInit.stop();
-    }
-    void stop()
-    {
-        g.gblnServerLinked = false;
-        m_server.reset();
-        m_window.reset();
-        m_lists.reset();
-        m_log.reset();
-    }
+    void start() { m_app.start(m_home.path()); }
+    void stop() { m_app.stop(); }
     // Answers the open confirmation box; returns its question.
     QString answer(QMessageBox::StandardButton button)
     {
-        auto *box = m_window->findChild<QMessageBox *>(QStringLiteral("confirmBox"));
+        auto *box = m_app.window->findChild<QMessageBox *>(QStringLiteral("confirmBox"));
         if (!box)
             return QStringLiteral("no confirmation box");
         const QString question = box->text();
         QTest::mouseClick(box->button(button), Qt::LeftButton);
-        if (!QTest::qWaitFor([this] { return !m_window->findChild<QMessageBox *>(QStringLiteral("confirmBox")); }))
+        if (!QTest::qWaitFor([this] { return !m_app.window->findChild<QMessageBox *>(QStringLiteral("confirmBox")); }))
             return QStringLiteral("the confirmation box stayed");
         return question;
     }
-    QWidget *widget(const char *name) const { return m_window->findChild<QWidget *>(QLatin1String(name)); }
-    QString label(const char *name) const { return m_window->findChild<QLabel *>(QLatin1String(name))->text(); }
+    QWidget *widget(const char *name) const { return m_app.window->findChild<QWidget *>(QLatin1String(name)); }
+    QString label(const char *name) const { return m_app.window->findChild<QLabel *>(QLatin1String(name))->text(); }
     void click(const char *name)
     {
-        auto *button = m_window->findChild<QPushButton *>(QLatin1String(name));
+        auto *button = m_app.window->findChild<QPushButton *>(QLatin1String(name));
         QVERIFY2(button && button->isVisible() && button->isEnabled(), name);
         QTest::mouseClick(button, Qt::LeftButton);
     }
     void tab(const QString &caption)
     {
-        auto *tabs = m_window->findChild<QTabBar *>(QStringLiteral("SSTab1"));
+        auto *tabs = m_app.window->findChild<QTabBar *>(QStringLiteral("SSTab1"));
         for (int i = 0; i < tabs->count(); ++i) {
             if (tabs->tabText(i) == caption)
                 QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(i).center());
@@ -362,7 +344,7 @@ private:
         const char *names[] = {"txtContactsFName", "txtContactsLName", "txtContactsEmail",
                                "txtContactsFaxAC", "txtContactsFax3D", "txtContactsFax4D"};
         for (int i = 0; i < 6; ++i) {
-            auto *edit = m_window->findChild<QLineEdit *>(QLatin1String(names[i]));
+            auto *edit = m_app.window->findChild<QLineEdit *>(QLatin1String(names[i]));
             edit->clear();
             QTest::keyClicks(edit, fields.at(i));
         }
@@ -371,7 +353,7 @@ private:
     static void tick(QCheckBox *check) { QTest::mouseClick(check, Qt::LeftButton, {}, QPoint(8, check->height() / 2)); }
     void typeInto(const char *combo, const QString &text)
     {
-        auto *box = m_window->findChild<QComboBox *>(QLatin1String(combo));
+        auto *box = m_app.window->findChild<QComboBox *>(QLatin1String(combo));
         box->lineEdit()->selectAll();
         QTest::keyClicks(box->lineEdit(), text);
         if (box->completer() && box->completer()->popup())
@@ -379,7 +361,7 @@ private:
     }
     void selectContact(int row)
     {
-        auto *list = m_window->findChild<QTableView *>(QStringLiteral("lvwMainContacts"));
+        auto *list = m_app.window->findChild<QTableView *>(QStringLiteral("lvwMainContacts"));
         const QRect cell = list->visualRect(list->model()->index(row - 1, 0));
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, cell.center());
     }
@@ -392,18 +374,18 @@ private:
     }
     void checkLists(const QStringList &all, const QStringList &email, const QStringList &fax)
     {
-        QCOMPARE(rows(m_server->lists().lvwMainContacts), all);
-        QCOMPARE(rows(m_server->lists().lvwEmailContacts), email);
-        QCOMPARE(rows(m_server->lists().lvwFaxContacts), fax);
+        QCOMPARE(rows(m_app.server->lists().lvwMainContacts), all);
+        QCOMPARE(rows(m_app.server->lists().lvwEmailContacts), email);
+        QCOMPARE(rows(m_app.server->lists().lvwFaxContacts), fax);
     }
     QVariant scalar(const char *sql) const
     {
-        QSqlQuery query = m_server->database().run(QString::fromLatin1(sql));
+        QSqlQuery query = m_app.server->database().run(QString::fromLatin1(sql));
         return query.next() ? query.value(0) : QVariant();
     }
     QStringList contactRows() const
     {
-        QSqlQuery query = m_server->database().run(QStringLiteral(
+        QSqlQuery query = m_app.server->database().run(QStringLiteral(
             "SELECT LastName || '|' || FirstName || '|' || ifnull(EmailName, '') || '|' || ifnull(FaxNumber, '') ||"
             " '|' || EMailEnabled || '|' || FaxEnabled FROM Contacts ORDER BY rowid"));
         QStringList values;
@@ -413,10 +395,7 @@ private:
     }
 
     QTemporaryDir m_home;
-    std::unique_ptr<Log> m_log;
-    std::unique_ptr<FormLists> m_lists;
-    std::unique_ptr<MainWindow> m_window;
-    std::unique_ptr<EmailFaxServer> m_server;
+    WindowServer m_app;
 };
 
 QTEST_MAIN(TestScreens)
