@@ -269,6 +269,10 @@ void SmtpClient::wsockctl_DataArrival()
             }
         }
     });
+    // What the reply made us send goes out now, in one segment, not after the timers due on this turn of the loop:
+    // the server works on it while they run.
+    if (m_wsockctl.state() == QAbstractSocket::ConnectedState)
+        m_wsockctl.flush();
 }
 
 void SmtpClient::onReply(qint16 code)
