@@ -75,6 +75,10 @@ const QString &ListModel::cell(int row, int column) const
 void ListModel::setCell(int row, int column, const QString &text)
 {
     QStringList &columns = m_rows[size_t(row)].cells;
+    // A cell set to the text it holds changes nothing: no repaint, no rewrite of a stored queue row. The send
+    // status sets the same status text on every tick while a message is under way.
+    if (column < columns.size() && columns.at(column) == text)
+        return;
     while (columns.size() <= column)
         columns.append(QString());
     columns[column] = text;

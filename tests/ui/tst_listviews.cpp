@@ -33,7 +33,11 @@ private Q_SLOTS:
         queue.remove(1);
         queue.remove(1);
         queue.add(QStringList{QStringLiteral("6"), QStringLiteral("alert 6")});
+        QSignalSpy changes(queue.model(), &QAbstractItemModel::dataChanged);
         queue.setText(1, 2, QStringLiteral("changed"));
+        // The same text again is no change: no repaint, and no rewrite of a stored queue row.
+        queue.setText(1, 2, QStringLiteral("changed"));
+        QCOMPARE(changes.count(), 1);
         // Until the batch arrives the two taken rows show empty, and a changed cell shows at once in its own row.
         QCOMPARE(view.index(0, 0).data().toString(), QString());
         QCOMPARE(view.index(2, 1).data().toString(), QStringLiteral("changed"));
