@@ -57,8 +57,8 @@ bool ProofOfLifeSettings::operator==(const ProofOfLifeSettings &other) const
            pingUrl == other.pingUrl && pingMinutes == other.pingMinutes;
 }
 
-ProofOfLife::ProofOfLife(const Database &database, FormLists &lists, FormTimers &timers,
-                         const SendSwitches &switches, QObject *parent)
+ProofOfLife::ProofOfLife(const Database &database, FormLists &lists, FormTimers &timers, const SendSwitches &switches,
+                         QObject *parent)
     : QObject(parent), m_database(database), m_lists(lists), m_timers(timers), m_switches(switches)
 {
     connect(&m_check, &QTimer::timeout, this, &ProofOfLife::dailyCheck);
@@ -118,16 +118,14 @@ QString ProofOfLife::accept(const ProofOfLifeSettings &settings)
     const QString why = problem(settings);
     if (!why.isEmpty())
         return why;
-    QString failure;
     const bool stored = guarded(QStringLiteral("ProofOfLife_Accept"), [&] {
         const QVariantList values{settings.dailyStatus ? 1 : 0, settings.dailyAt.toString(kTimeFormat),
                                   settings.dailyTo, settings.pingUrl, settings.pingMinutes};
-        QSqlQuery existing = m_database.run(QStringLiteral("SELECT count(*) FROM ProofOfLife"));
-        if (existing.next() && existing.value(0).toInt() > 0)
-            m_database.run(QStringLiteral("UPDATE ProofOfLife SET DailyStatus = ?, DailyAt = ?, DailyTo = ?, "
-                                          "PingUrl = ?, PingMinutes = ?"),
-                           values);
-        else
+        // The table holds one row, made by the first Accept.
+        const QSqlQuery updated = m_database.run(QStringLiteral("UPDATE ProofOfLife SET DailyStatus = ?, DailyAt = ?, "
+                                                                "DailyTo = ?, PingUrl = ?, PingMinutes = ?"),
+                                                 values);
+        if (updated.numRowsAffected() == 0)
             m_database.run(QStringLiteral("INSERT INTO ProofOfLife (DailyStatus, DailyAt, DailyTo, PingUrl, "
                                           "PingMinutes) VALUES (?, ?, ?, ?, ?)"),
                            values);
@@ -168,8 +166,9 @@ void ProofOfLife::failedForGood(int via, const QString &reason)
 {
     if (via == 0 || via == 1)
         ++m_failed[via];
-    m_lastFailure = GetDateTimeStamp() + QStringLiteral("  ") + (via == 0 ? QStringLiteral("E-mail") : QStringLiteral("Fax")) +
-                    QStringLiteral(" failed for good") + (reason.isEmpty() ? QString() : QStringLiteral(": ") + reason);
+    m_lastFailure = GetDateTimeStamp() + QStringLiteral("  ") +
+                    (via == 0 ? QStringLiteral("E-mail") : QStringLiteral("Fax")) + QStringLiteral(" failed for good") +
+                    (reason.isEmpty() ? QString() : QStringLiteral(": ") + reason);
 }
 
 // The first moment of the set time of day after the given one.
@@ -192,8 +191,7 @@ void ProofOfLife::dailyCheck()
         QDateTime latest(now.date(), m_settings.dailyAt);
         if (latest > now)
             latest = latest.addDays(-1);
-        const QDateTime reference = m_lastDaily.isValid() && m_lastDaily > m_dueFrom ? m_lastDaily : m_dueFrom;
-        if (reference < latest)
+        if (m_dueFrom < latest)
             sendDailyStatus(now);
     });
 }
@@ -201,21 +199,16 @@ void ProofOfLife::dailyCheck()
 QString ProofOfLife::statusText() const
 {
     const QDateTime now = Clock::now();
-    // The counts run from the last status, or from the server's start when it came later.
-    const QDateTime since = m_since;
     const QString lastError = m_lastFailure.isEmpty() ? lastErrorReport() : m_lastFailure;
     QSqlQuery held = m_database.run(QStringLiteral("SELECT count(*) FROM AlarmMsgs WHERE OverWrite = FALSE"));
     const int heldNow = held.next() ? held.value(0).toInt() : 0;
-    const auto pair = [](const int (&n)[2]) {
-        return QStringLiteral("%1 by e-mail, %2 by fax").arg(n[0]).arg(n[1]);
-    };
-    return QStringLiteral("Daily status of Osprel EmailFax on ") + QHostInfo::localHostName() +
-           QStringLiteral(" at ") + stampOf(now) + QStringLiteral(".\r\n\r\n") + QStringLiteral("Since ") +
-           stampOf(since) + (since != m_lastDaily ? QStringLiteral(" (server start)") : QString()) +
-           QStringLiteral(":\r\n") + QStringLiteral("  Alerts received:     %1\r\n").arg(m_received) +
-           QStringLiteral("  Notifications sent:  ") + pair(m_sent) + QStringLiteral("\r\n") +
-           QStringLiteral("  Failed for good:     ") + pair(m_failed) + QStringLiteral("\r\n") +
-           QStringLiteral("  Held for reports:    %1\r\n\r\n").arg(heldNow) +
+    const auto pair = [](const int(&n)[2]) { return QStringLiteral("%1 by e-mail, %2 by fax").arg(n[0]).arg(n[1]); };
+    return QStringLiteral("Daily status of Osprel EmailFax on ") + QHostInfo::localHostName() + QStringLiteral(" at ") +
+           stampOf(now) + QStringLiteral(".\r\n\r\n") + QStringLiteral("Since ") + stampOf(m_since) +
+           (m_since != m_lastDaily ? QStringLiteral(" (server start)") : QString()) + QStringLiteral(":\r\n") +
+           QStringLiteral("  Alerts received:     %1\r\n").arg(m_received) + QStringLiteral("  Notifications sent:  ") +
+           pair(m_sent) + QStringLiteral("\r\n") + QStringLiteral("  Failed for good:     ") + pair(m_failed) +
+           QStringLiteral("\r\n") + QStringLiteral("  Held for reports:    %1\r\n\r\n").arg(heldNow) +
            QStringLiteral("Queues now: %1 incoming, %2 e-mail, %3 fax.\r\n")
                .arg(m_lists.lvwMsgQue.count())
                .arg(m_lists.lvwSendEmailQue.count())
@@ -238,6 +231,7 @@ void ProofOfLife::sendDailyStatus(const QDateTime &now)
     DumpStr(QStringLiteral("Daily status queued for ") + stampOf(now));
     m_lastDaily = now;
     m_since = now;
+    m_dueFrom = now;
     m_received = 0;
     m_sent[0] = m_sent[1] = 0;
     m_failed[0] = m_failed[1] = 0;
@@ -279,7 +273,7 @@ void ProofOfLife::pingFinished(QNetworkReply *reply)
     if (!ok && !m_pingFailing)
         DumpStr(QStringLiteral("Proof of life: the check URL failed: ") +
                 (reply->error() != QNetworkReply::NoError ? reply->errorString()
-                                                         : QStringLiteral("HTTP ") + QString::number(status)));
+                                                          : QStringLiteral("HTTP ") + QString::number(status)));
     else if (ok && m_pingFailing)
         DumpStr(QStringLiteral("Proof of life: the check URL answers again"));
     m_pingFailing = !ok;

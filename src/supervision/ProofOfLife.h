@@ -37,7 +37,7 @@ class ProofOfLife : public QObject
 {
     Q_OBJECT
 public:
-    static constexpr int kCheckMs = 30000;      // how often the daily time is looked for (design interval)
+    static constexpr int kCheckMs = 30000;       // how often the daily time is looked for (design interval)
     static constexpr int kPingTimeoutMs = 20000; // a check URL that does not answer in this time has failed
 
     ProofOfLife(const Database &database, FormLists &lists, FormTimers &timers, const SendSwitches &switches,
@@ -88,8 +88,8 @@ private:
     QNetworkReply *m_pending = nullptr;
     bool m_pingFailing = false;
     QDateTime m_lastDaily; // when the last daily status went (stored, so a restart neither repeats nor skips it)
-    QDateTime m_since;     // the counts run from here
-    QDateTime m_dueFrom;   // set times before this are not owed (the start, or when the daily status was set)
+    QDateTime m_since;     // the counts run from here: the last status of this run, or the start
+    QDateTime m_dueFrom;   // set times before this are not owed: the last status, or when it was set or started
     int m_received = 0;
     int m_sent[2] = {0, 0};
     int m_failed[2] = {0, 0};
