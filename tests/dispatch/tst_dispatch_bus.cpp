@@ -64,8 +64,13 @@ private Q_SLOTS:
         FormLists &lists = server.lists();
         QCOMPARE(lists.lvwSendEmailQue.count(), 2); // alerts 1 and 3
         QCOMPARE(lists.lvwSendEmailQue.text(2, 8), QStringLiteral("3"));
-        QCOMPARE(lists.lvwSendFaxQue.count(), 4); // two recipients each
-        QCOMPARE(lists.lvwSendFaxQue.text(4, 4), QStringLiteral("5550002222"));
+        // Two recipients each. The fax queue's own timer may have tried its first job meanwhile (there is no
+        // modem), which moves that job behind the others: the jobs are compared in any order.
+        QStringList faxJobs;
+        for (int row = 1; row <= lists.lvwSendFaxQue.count(); ++row)
+            faxJobs << lists.lvwSendFaxQue.text(row, 10) + u':' + lists.lvwSendFaxQue.text(row, 4);
+        faxJobs.sort();
+        QCOMPARE(faxJobs, QStringList({"1:5550001111", "1:5550002222", "3:5550001111", "3:5550002222"}));
         QSqlQuery held =
             server.database().run(QStringLiteral("SELECT group_concat(ErrID || ':' || Priority || ':' || Catagory) FROM"
                                                  " (SELECT * FROM AlarmMsgs WHERE OverWrite = FALSE ORDER BY rowid)"));
