@@ -1,8 +1,8 @@
 #include "SendStatus.h"
 
 #include "AlertLink.h"
-#include "Database.h"
 #include "Clock.h"
+#include "Database.h"
 #include "EmailDeferral.h"
 #include "ErrorReport.h"
 #include "FaxLine.h"
@@ -69,6 +69,8 @@ void SendStatus::SendStatUpdate()
         // A queue row leaves its table in the same commit that writes its history row.
         m_database.beginBatch();
         m_tray.IconUpdate();
+        const bool outcome = g.gintEmailSendState == Sent || g.gintEmailSendState == Failed ||
+                             g.gintFaxSendState == Sent || g.gintFaxSendState == Failed;
         switch (g.gintEmailSendState) {
         case Sending:
             emailSending();
@@ -95,6 +97,10 @@ void SendStatus::SendStatUpdate()
         default:
             break;
         }
+        // An outcome goes to disk at the end of this turn, while the next message waits for its tick, instead of
+        // with the batch's idle commit, which would fall inside the next SMTP dialogue.
+        if (outcome)
+            m_database.commitSoon();
     });
     gblnStatusUpdating = false; // also after a reported error: the guard never stays set
 }

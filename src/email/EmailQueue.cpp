@@ -47,8 +47,12 @@ void EmailQueue::TimerEmailMsgQue_Timer()
         const QString body = queue.text(1, 2);
         const QString subject = queue.text(1, 3) + QStringLiteral(" Chamber Notification: ") + queue.text(1, 6);
         m_smtp.SendEmail(recipients, subject, body, queue.text(1, EmailJobColumn::MessageId));
-        if (queue.text(1, EmailJobColumn::MessageId).isEmpty())
+        if (queue.text(1, EmailJobColumn::MessageId).isEmpty()) {
             queue.setText(1, EmailJobColumn::MessageId, m_smtp.messageId());
+            // On disk before the server has even greeted: a message sent again after a crash keeps its ID, so a
+            // copy that arrives twice can be known as one.
+            m_database.commitBatch();
+        }
         Q_EMIT sendingStarted();
         addDeliveryRow(m_lists, 0, QStringLiteral("Sending"), recipients, queue.text(1, 7));
     });

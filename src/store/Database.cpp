@@ -192,7 +192,13 @@ void Database::whenCommitted(std::function<void(bool)> callback) const
     static const bool grouped = qEnvironmentVariable("OSPREL_GROUP_COMMIT") != QLatin1String("0");
     if (!grouped)
         commitBatch();
-    else if (m_batch->commit.interval() != 0)
+    else
+        commitSoon();
+}
+
+void Database::commitSoon() const
+{
+    if (m_batch->open && m_batch->commit.interval() != 0)
         m_batch->commit.start(0);
 }
 

@@ -54,9 +54,15 @@ public:
     void beginBatch() const;
     bool inBatch() const { return m_batch->open; }
     void whenCommitted(std::function<void(bool)> callback) const;
+    // Brings the open batch's commit forward to the end of the current turn, when nobody waits for it but it should
+    // not stay open for more changes (a delivery's outcome).
+    void commitSoon() const;
     bool commitBatch() const;
     // Told of every failed commit, with the reason, after the batch was rolled back.
-    void setCommitFailureHandler(std::function<void(const QString &)> handler) { m_batch->onFailure = std::move(handler); }
+    void setCommitFailureHandler(std::function<void(const QString &)> handler)
+    {
+        m_batch->onFailure = std::move(handler);
+    }
 
     // Runs one statement with its values bound; raises a run-time error when there is no connection or the
     // statement fails. Values are always bound, never pasted into the text.

@@ -7,11 +7,14 @@ calls), and kills the server with SIGKILL (or stops it with SIGTERM) at a random
 is being delivered, or just after a restart while the queues are being restored. Then the bus starts it again and
 the run waits until everything is delivered. Every alert answered true must reach the mail server (immediate
 levels) or the held-alarm pool (levels held for a report): none lost. Duplicates are allowed after SIGKILL only for
-a message in flight at the kill; after SIGTERM none. PRAGMA integrity_check must say ok after every run.
+a message in flight at the kill, and the copy sent again must carry the first one's Message-ID, so that the
+recipient's mail system can know them as one; after SIGTERM none. PRAGMA integrity_check must say ok after every
+run.
 
 Usage: crash_test.py --build BUILD_DIR [--runs 30] [--alerts 1000] [--signal KILL|TERM] [--seed N]
                      [--time-scale 0.01]
-Prints one line per run and the totals; exits 1 when anything was lost, duplicated beyond the rule, or corrupt.
+Prints one line per run and the totals; exits 1 when anything was lost, duplicated beyond the rule, sent again
+under a new Message-ID, or corrupt.
 """
 
 import argparse
@@ -38,6 +41,7 @@ ALERT = "org.osprel.EmailFax.clsAlertCls"
 HERE = os.path.dirname(os.path.abspath(__file__))
 SOURCE = os.path.dirname(os.path.dirname(HERE))
 ALERT_ID = re.compile(rb"Alert ID: (\d+)")
+MESSAGE_ID = re.compile(rb"^Message-ID: (\S+)", re.MULTILINE | re.IGNORECASE)
 HIGH, LOW = 5, 3  # category 5 is sent at once; category 3 is held for the daily report
 
 
@@ -47,16 +51,21 @@ def alert_text(number, category):
 
 
 class Receiver:
-    """The mail server's side: every alert number it received, as often as it received it."""
+    """The mail server's side: every alert number it received, as often as it received it, and the Message-IDs of
+    its copies."""
 
     def __init__(self):
         self.counts = {}
+        self.message_ids = {}
 
     async def handle_DATA(self, server, session, envelope):
-        match = ALERT_ID.search(envelope.original_content or b"")
+        content = envelope.original_content or b""
+        match = ALERT_ID.search(content)
         if match:
             number = int(match.group(1))
             self.counts[number] = self.counts.get(number, 0) + 1
+            message_id = MESSAGE_ID.search(content)
+            self.message_ids.setdefault(number, set()).add(message_id.group(1) if message_id else b"")
         return "250 OK"
 
 
@@ -207,10 +216,12 @@ async def one_run(args, run, rng, receiver, port):
 
             lost = len([n for n in high if n not in receiver.counts]) + len(low - held_numbers(home))
             duplicates = sum(receiver.counts.get(n, 0) - 1 for n in high if receiver.counts.get(n, 0) > 1)
+            renamed = len([n for n in high if len(receiver.message_ids.get(n, ())) > 1])
             check = integrity(home)
             print(f"run {run + 1:2}: kill {args.signal} during {moment:8} accepted {len(accepted):4} "
-                  f"(held {len(low):3}) lost {lost} duplicates {duplicates} integrity {check}", flush=True)
-            return len(accepted), lost, duplicates, check == "ok"
+                  f"(held {len(low):3}) lost {lost} duplicates {duplicates} (under a new Message-ID {renamed}) "
+                  f"integrity {check}", flush=True)
+            return len(accepted), lost, duplicates, check == "ok" and renamed == 0
         finally:
             bus.stop()
 
